@@ -1,0 +1,267 @@
+#include "Platform/Text/Text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#include <unicode/brkiter.h>
+#include <unicode/coll.h>
+#include <unicode/locid.h>
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/utext.h>
+#include <unicode/utf8.h>
+
+namespace platform::text {
+namespace {
+
+// ICU indexes strings with int32_t; longer texts take the simpler fallbacks below.
+bool fitsICU(std::string_view text) {
+    return text.size() <= static_cast<std::size_t>(std::numeric_limits<int32_t>::max());
+}
+
+// ORs every byte instead of stopping early so the loop vectorises.
+bool isAscii(std::string_view text) {
+    unsigned char bits = 0;
+    for (const char byte : text) {
+        bits |= static_cast<unsigned char>(byte);
+    }
+    return bits < 0x80;
+}
+
+bool isAsciiWhitespace(unsigned char byte) {
+    return byte == ' ' || (byte >= '\t' && byte <= '\r');
+}
+
+char asciiLower(char byte) {
+    return (byte >= 'A' && byte <= 'Z') ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
+// The code point at `pos`, or a negative value for an ill-formed sequence; `pos` moves past it.
+UChar32 nextCodePoint(std::string_view text, std::size_t& pos) {
+    UChar32 codePoint = 0;
+    U8_NEXT(text.data(), pos, text.size(), codePoint);
+    return codePoint;
+}
+
+std::size_t leadingWhitespaceEnd(std::string_view text) {
+    std::size_t pos = 0;
+    while (pos < text.size()) {
+        const auto byte = static_cast<unsigned char>(text[pos]);
+        if (byte < 0x80) {
+            if (!isAsciiWhitespace(byte)) {
+                break;
+            }
+            ++pos;
+            continue;
+        }
+        std::size_t next = pos;
+        const UChar32 codePoint = nextCodePoint(text, next);
+        if (codePoint < 0 || !u_isUWhiteSpace(codePoint)) {
+            break;
+        }
+        pos = next;
+    }
+    return pos;
+}
+
+// Start of the last code point before `end`; a sequence is at most four bytes long.
+std::size_t lastCodePointStart(std::string_view text, std::size_t begin, std::size_t end) {
+    std::size_t start = end - 1;
+    while (start > begin && end - start < 4 && U8_IS_TRAIL(static_cast<uint8_t>(text[start]))) {
+        --start;
+    }
+    return start;
+}
+
+std::size_t trailingWhitespaceStart(std::string_view text, std::size_t begin) {
+    std::size_t end = text.size();
+    while (end > begin) {
+        const auto byte = static_cast<unsigned char>(text[end - 1]);
+        if (byte < 0x80) {
+            if (!isAsciiWhitespace(byte)) {
+                break;
+            }
+            --end;
+            continue;
+        }
+        const std::size_t start = lastCodePointStart(text, begin, end);
+        std::size_t next = start;
+        const UChar32 codePoint = nextCodePoint(text.substr(0, end), next);
+        // A stray trail byte decodes as part of nothing that ends at `end`.
+        if (codePoint < 0 || next != end || !u_isUWhiteSpace(codePoint)) {
+            break;
+        }
+        end = start;
+    }
+    return end;
+}
+
+// How far `count` characters reach: the characters actually found and the byte offset after them.
+struct Span {
+    std::size_t characters = 0;
+    std::size_t end = 0;
+};
+
+// In ASCII the only multi-byte grapheme cluster is CR LF.
+Span asciiSpan(std::string_view text, std::size_t count) {
+    Span span;
+    while (span.end < text.size() && span.characters < count) {
+        const bool crlf = text[span.end] == '\r' && span.end + 1 < text.size()
+                          && text[span.end + 1] == '\n';
+        span.end += crlf ? 2 : 1;
+        ++span.characters;
+    }
+    return span;
+}
+
+// Used only when grapheme breaking is unavailable.
+Span codePointSpan(std::string_view text, std::size_t count) {
+    Span span;
+    while (span.end < text.size() && span.characters < count) {
+        U8_FWD_1(text.data(), span.end, text.size());
+        ++span.characters;
+    }
+    return span;
+}
+
+// Creating a break iterator loads its rules, so each thread keeps one.
+icu::BreakIterator* characterBreaker() {
+    thread_local const std::unique_ptr<icu::BreakIterator> breaker = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<icu::BreakIterator> created(
+            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+        return U_SUCCESS(status) ? std::move(created) : nullptr;
+    }();
+    return breaker.get();
+}
+
+Span graphemeSpan(std::string_view text, std::size_t count) {
+    icu::BreakIterator* breaker = characterBreaker();
+    if (breaker == nullptr || !fitsICU(text)) {
+        return codePointSpan(text, count);
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    icu::LocalUTextPointer utext(
+        utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status));
+    breaker->setText(utext.getAlias(), status);
+    if (U_FAILURE(status)) {
+        return codePointSpan(text, count);
+    }
+    // Over UTF-8 text the boundaries are byte offsets.
+    Span span;
+    for (int32_t boundary = breaker->next();
+         boundary != icu::BreakIterator::DONE && span.characters < count;
+         boundary = breaker->next()) {
+        span.end = static_cast<std::size_t>(boundary);
+        ++span.characters;
+    }
+    return span;
+}
+
+Span characterSpan(std::string_view text, std::size_t count) {
+    if (text.empty() || count == 0) {
+        return {};
+    }
+    return isAscii(text) ? asciiSpan(text, count) : graphemeSpan(text, count);
+}
+
+// Under a POSIX locale ICU defaults to en_US_POSIX, whose order is code-point order with all
+// capitals first; people in such an environment still expect ordinary alphabetical order.
+icu::Locale collationLocale() {
+    const icu::Locale& locale = icu::Locale::getDefault();
+    return std::strcmp(locale.getVariant(), "POSIX") == 0 ? icu::Locale::getRoot() : locale;
+}
+
+const icu::Collator* sharedCollator() {
+    static const std::unique_ptr<icu::Collator> collator = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<icu::Collator> created(
+            icu::Collator::createInstance(collationLocale(), status));
+        if (U_FAILURE(status)) {
+            return std::unique_ptr<icu::Collator>();
+        }
+        created->setStrength(icu::Collator::SECONDARY);
+        created->setAttribute(UCOL_NUMERIC_COLLATION, UCOL_ON, status);
+        return U_SUCCESS(status) ? std::move(created) : nullptr;
+    }();
+    return collator.get();
+}
+
+std::weak_ordering toOrdering(int comparison) {
+    if (comparison < 0) {
+        return std::weak_ordering::less;
+    }
+    return comparison > 0 ? std::weak_ordering::greater : std::weak_ordering::equivalent;
+}
+
+bool asciiContainsIgnoringCase(std::string_view haystack, std::string_view needle) {
+    const auto sameLetter = [](char lhs, char rhs) { return asciiLower(lhs) == asciiLower(rhs); };
+    return std::search(haystack.begin(), haystack.end(), needle.begin(), needle.end(), sameLetter)
+           != haystack.end();
+}
+
+// Folded, then composed, so that a precomposed and a decomposed accent match alike.
+icu::UnicodeString foldedForSearch(std::string_view text) {
+    icu::UnicodeString folded = icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+    folded.foldCase(U_FOLD_CASE_DEFAULT);
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
+    if (U_FAILURE(status)) {
+        return folded;
+    }
+    icu::UnicodeString composed = nfc->normalize(folded, status);
+    return U_SUCCESS(status) ? composed : folded;
+}
+
+} // namespace
+
+std::string trimmed(std::string_view text) {
+    const std::size_t begin = leadingWhitespaceEnd(text);
+    const std::size_t end = trailingWhitespaceStart(text, begin);
+    return std::string(text.substr(begin, end - begin));
+}
+
+bool isBlank(std::string_view text) {
+    return leadingWhitespaceEnd(text) == text.size();
+}
+
+std::size_t characterCount(std::string_view text) {
+    return characterSpan(text, std::numeric_limits<std::size_t>::max()).characters;
+}
+
+std::string characterPrefix(std::string_view text, std::size_t count) {
+    return std::string(text.substr(0, characterSpan(text, count).end));
+}
+
+std::weak_ordering localizedStandardCompare(std::string_view lhs, std::string_view rhs) {
+    const icu::Collator* collator = sharedCollator();
+    if (collator == nullptr || !fitsICU(lhs) || !fitsICU(rhs)) {
+        return toOrdering(lhs.compare(rhs));
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const UCollationResult result = collator->compareUTF8(
+        icu::StringPiece(lhs.data(), static_cast<int32_t>(lhs.size())),
+        icu::StringPiece(rhs.data(), static_cast<int32_t>(rhs.size())), status);
+    return U_SUCCESS(status) ? toOrdering(result) : toOrdering(lhs.compare(rhs));
+}
+
+bool localizedCaseInsensitiveContains(std::string_view haystack, std::string_view needle) {
+    if (needle.empty()) {
+        return false;
+    }
+    if (isAscii(haystack) && isAscii(needle)) {
+        return asciiContainsIgnoringCase(haystack, needle);
+    }
+    if (!fitsICU(haystack) || !fitsICU(needle)) {
+        return haystack.find(needle) != std::string_view::npos;
+    }
+    const icu::UnicodeString foldedNeedle = foldedForSearch(needle);
+    return !foldedNeedle.isEmpty() && foldedForSearch(haystack).indexOf(foldedNeedle) >= 0;
+}
+
+} // namespace platform::text

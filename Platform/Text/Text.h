@@ -1,0 +1,31 @@
+#pragma once
+
+#include <compare>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+// Text helpers over UTF-8 strings. A "character" is a user-perceived character
+// (an extended grapheme cluster), which is what lengths, prefixes and offsets count.
+namespace platform::text {
+
+// Removes Unicode whitespace and newlines (the White_Space property) from both ends.
+std::string trimmed(std::string_view text);
+
+// True when nothing is left after trimming.
+bool isBlank(std::string_view text);
+
+// Number of user-perceived characters; "\r\n" counts as one.
+std::size_t characterCount(std::string_view text);
+
+// The first `count` user-perceived characters (the whole text when it is shorter).
+std::string characterPrefix(std::string_view text, std::size_t count);
+
+// Localized standard order: case-insensitive, accent-sensitive, digit runs compared
+// as numbers ("Interview 2" before "Interview 10"). One shared collator.
+std::weak_ordering localizedStandardCompare(std::string_view lhs, std::string_view rhs);
+
+// True when `needle` occurs in `haystack`, ignoring case. An empty needle never matches.
+bool localizedCaseInsensitiveContains(std::string_view haystack, std::string_view needle);
+
+} // namespace platform::text

@@ -1,0 +1,199 @@
+#include "tools/mibrel-cli/MibrelCli.h"
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/TestSupport.h"
+
+namespace mibrel::cli {
+namespace {
+
+using mibrel::testing::folderListing;
+using mibrel::testing::readText;
+using mibrel::testing::TemporaryDirectory;
+using mibrel::testing::unsortedKeysIn;
+using mibrel::testing::writeText;
+
+struct CliResult {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+CliResult run(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "mibrel-cli");
+    std::vector<const char*> argv;
+    for (const auto& argument : arguments) argv.push_back(argument.c_str());
+    std::ostringstream out;
+    std::ostringstream err;
+    const int status = runMibrelCli(static_cast<int>(argv.size()), argv.data(), out, err);
+    return {status, out.str(), err.str()};
+}
+
+class MibrelCliTest : public ::testing::Test {
+protected:
+    std::string createProject(const std::string& name = "study.mvibrl") {
+        const std::string path = (folder / name).string();
+        const CliResult created = run({"project", "create", path, "--title", "Study"});
+        EXPECT_EQ(created.status, kExitSuccess) << created.err;
+        return path;
+    }
+
+    TemporaryDirectory folder;
+};
+
+TEST_F(MibrelCliTest, CreateMakesAPackageHoldingOnlyItsManifest) {
+    const CliResult result = run({"project", "create", (folder / "x.mvibrl").string(), "--title", "X"});
+    ASSERT_EQ(result.status, kExitSuccess) << result.err;
+    EXPECT_EQ(folderListing(folder / "x.mvibrl"), "manifest.json");
+    const std::string manifest = readText(folder / "x.mvibrl" / "manifest.json");
+    EXPECT_EQ(unsortedKeysIn(manifest), "");
+    EXPECT_NE(manifest.find("\"title\": \"X\""), std::string::npos);
+    EXPECT_NE(result.out.find("\"path\": \"" + (folder / "x.mvibrl").string() + "\""), std::string::npos);
+}
+
+TEST_F(MibrelCliTest, CreateAddsTheEndingAndNeverReplacesThroughAnExtendedName) {
+    ASSERT_EQ(run({"project", "create", (folder / "Pilot").string()}).status, kExitSuccess);
+    EXPECT_NE(readText(folder / "Pilot.mvibrl" / "manifest.json").find("\"title\": \"Pilot\""), std::string::npos);
+
+    // The name had to be extended, so --replace must not remove the existing package.
+    writeText(folder / "Pilot.mvibrl" / "keep.txt", "notes");
+    const CliResult again = run({"project", "create", (folder / "Pilot").string(), "--replace"});
+    EXPECT_EQ(again.status, kExitFailure);
+    EXPECT_EQ(again.err, "Could not save project: A project named Pilot.mvibrl already exists here. Keep the "
+                         ".mvibrl ending in the save dialog and choose Replace, or pick another name.\n");
+    EXPECT_EQ(readText(folder / "Pilot.mvibrl" / "keep.txt"), "notes");
+
+    // Named in full, the replacement is confirmed.
+    EXPECT_EQ(run({"project", "create", (folder / "Pilot.mvibrl").string(), "--replace"}).status, kExitSuccess);
+    EXPECT_EQ(folderListing(folder / "Pilot.mvibrl"), "manifest.json");
+}
+
+TEST_F(MibrelCliTest, WorkspaceShowDecodesDefaultsAndRefusesDamage) {
+    const std::string project = createProject();
+    const CliResult missing = run({"workspace", "show", project});
+    ASSERT_EQ(missing.status, kExitSuccess) << missing.err;
+    EXPECT_NE(missing.out.find("\"formatVersion\": 1"), std::string::npos);
+
+    writeText(folder / "study.mvibrl" / "qual" / "workspace.json", "{}");
+    const CliResult empty = run({"workspace", "show", project});
+    ASSERT_EQ(empty.status, kExitSuccess) << empty.err;
+    EXPECT_NE(empty.out.find("\"formatVersion\": 1"), std::string::npos);
+    EXPECT_NE(empty.out.find("\"codes\": []"), std::string::npos);
+    EXPECT_EQ(empty.out.find("reportDraftRTFData"), std::string::npos);
+    EXPECT_EQ(unsortedKeysIn(empty.out), "");
+
+    const std::string damaged = R"({"categories":[{}]})";
+    writeText(folder / "study.mvibrl" / "qual" / "workspace.json", damaged);
+    const CliResult failed = run({"workspace", "show", project});
+    EXPECT_EQ(failed.status, kExitFailure);
+    EXPECT_EQ(failed.out, "");
+    EXPECT_NE(failed.err.find("“codeIDs”"), std::string::npos) << failed.err;
+    EXPECT_NE(failed.err.find("categories[0]"), std::string::npos) << failed.err;
+    EXPECT_EQ(readText(folder / "study.mvibrl" / "qual" / "workspace.json"), damaged);
+}
+
+TEST_F(MibrelCliTest, CommandsRefuseWhatIsNoProject) {
+    std::filesystem::create_directories(folder / "plain.mvibrl");
+    for (const auto& command : std::vector<std::vector<std::string>>{
+             {"project", "info"}, {"workspace", "show"}, {"sources", "list"}, {"audit", "show"}}) {
+        auto arguments = command;
+        arguments.push_back((folder / "plain.mvibrl").string());
+        const CliResult result = run(arguments);
+        EXPECT_EQ(result.status, kExitFailure) << command[0];
+        EXPECT_EQ(result.err, "This file is not a valid Merivante Mibrel project.\n");
+    }
+
+    const std::string project = createProject();
+    writeText(folder / "study.mvibrl" / "manifest.json",
+              R"({"app":"Merivante Mibrel","appVersion":"1.0.0","createdAt":"2026-01-01T00:00:00Z",)"
+              R"("formatVersion":2,"title":"T","updatedAt":"2026-01-01T00:00:00Z"})");
+    const CliResult newer = run({"workspace", "show", project});
+    EXPECT_EQ(newer.status, kExitFailure);
+    EXPECT_EQ(newer.err, "Project format version 2 is not supported by this version of Mibrel.\n");
+}
+
+TEST_F(MibrelCliTest, SourcesListRecoversFromADamagedIndexAndTranscriptShowFindsSegments) {
+    const std::string project = createProject();
+    const std::string sourceID = "6F9619FF-8B86-D011-B42D-00CF4FC964FF";
+    const auto sourceFolder = folder / "study.mvibrl" / "sources" / sourceID;
+    writeText(sourceFolder / "meta.json", R"({"id":")" + sourceID + R"(","label":"Interview 1"})");
+    writeText(sourceFolder / "transcript.json", R"({"segments":[{"id":"s1","text":"We stayed."}]})");
+    writeText(folder / "study.mvibrl" / "sources" / "index.json", "[{");
+
+    const CliResult listed = run({"sources", "list", project});
+    ASSERT_EQ(listed.status, kExitSuccess) << listed.err;
+    EXPECT_NE(listed.out.find("\"label\": \"Interview 1\""), std::string::npos);
+    EXPECT_EQ(readText(folder / "study.mvibrl" / "sources" / "index.json"), "[{");
+
+    const CliResult shown = run({"transcript", "show", project, "6f9619ff-8b86-d011-b42d-00cf4fc964ff"});
+    ASSERT_EQ(shown.status, kExitSuccess) << shown.err;
+    EXPECT_NE(shown.out.find("\"text\": \"We stayed.\""), std::string::npos);
+
+    const CliResult unknown = run({"transcript", "show", project, "00000000-0000-4000-8000-000000000000"});
+    EXPECT_EQ(unknown.status, kExitFailure);
+    EXPECT_EQ(run({"transcript", "show", project, "not-an-id"}).status, kExitUsage);
+
+    writeText(sourceFolder / "transcript.json", R"({"segments":[{"text":"no id"}]})");
+    const CliResult corrupt = run({"transcript", "show", project, sourceID});
+    EXPECT_EQ(corrupt.status, kExitFailure);
+    EXPECT_NE(corrupt.err.find("“id”"), std::string::npos) << corrupt.err;
+}
+
+TEST_F(MibrelCliTest, AuditAppendsInOrderAndNeverOverwritesADamagedLog) {
+    const std::string project = createProject();
+    ASSERT_EQ(run({"audit", "append", project, "code_created", "Workload"}).status, kExitSuccess);
+    const CliResult second = run({"audit", "append", project, "code_deleted", ""});
+    ASSERT_EQ(second.status, kExitSuccess) << second.err;
+    EXPECT_NE(second.out.find("\"event\": \"code_deleted\""), std::string::npos);
+
+    const CliResult shown = run({"audit", "show", project});
+    ASSERT_EQ(shown.status, kExitSuccess);
+    EXPECT_LT(shown.out.find("code_created"), shown.out.find("code_deleted"));
+    EXPECT_EQ(run({"audit", "append", project, " ", "x"}).status, kExitUsage);
+
+    const auto log = folder / "study.mvibrl" / "trustworthiness" / "audit.json";
+    writeText(log, "[{\"id\":");
+    const CliResult failed = run({"audit", "append", project, "code_created", "Trust"});
+    EXPECT_EQ(failed.status, kExitFailure);
+    EXPECT_FALSE(failed.err.empty());
+    EXPECT_EQ(readText(log), "[{\"id\":");
+    EXPECT_EQ(folderListing(log.parent_path()), "audit.json");
+}
+
+TEST_F(MibrelCliTest, ProjectInfoCountsWhatItCanAndReportsWhatIsDamaged) {
+    const std::string project = createProject();
+    run({"audit", "append", project, "code_created", "Workload"});
+    writeText(folder / "study.mvibrl" / "qual" / "workspace.json", R"({"codes":[{},{}],"themes":"oops"})");
+    const CliResult info = run({"project", "info", project});
+    ASSERT_EQ(info.status, kExitSuccess) << info.err;
+    EXPECT_NE(info.out.find("\"auditEvents\": 1"), std::string::npos);
+    EXPECT_NE(info.out.find("\"sources\": 0"), std::string::npos);
+    EXPECT_NE(info.out.find("\"workspaceError\":"), std::string::npos);
+    EXPECT_EQ(info.out.find("\"workspace\":"), std::string::npos);
+
+    writeText(folder / "study.mvibrl" / "qual" / "workspace.json", R"({"codes":[{},{}]})");
+    const CliResult counted = run({"project", "info", project});
+    EXPECT_NE(counted.out.find("\"codes\": 2"), std::string::npos);
+}
+
+TEST(MibrelCliUsage, HelpAtEveryLevelAndUsageErrors) {
+    for (const auto& command : std::vector<std::vector<std::string>>{
+             {"--help"}, {"project", "--help"}, {"project", "create", "--help"}, {"workspace", "show", "--help"},
+             {"sources", "--help"}, {"transcript", "show", "--help"}, {"audit", "append", "--help"}}) {
+        const CliResult result = run(command);
+        EXPECT_EQ(result.status, kExitSuccess) << command.back();
+        EXPECT_NE(result.out.find("Usage:"), std::string::npos);
+    }
+    EXPECT_EQ(run({}).status, kExitUsage);
+    EXPECT_EQ(run({"project"}).status, kExitUsage);
+    EXPECT_EQ(run({"frobnicate"}).status, kExitUsage);
+    EXPECT_EQ(run({"project", "create"}).status, kExitUsage);
+    EXPECT_EQ(run({"audit", "append", "p", "e"}).status, kExitUsage);
+}
+
+} // namespace
+} // namespace mibrel::cli

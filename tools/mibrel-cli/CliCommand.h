@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "MibrelCore/Storage/TeskProjectManifest.h"
+#include "Platform/Json/JsonCoding.h"
+
+namespace mibrel::cli {
+
+// What a command needs besides its arguments: where to print, and a slot for the
+// action that runs once the whole line has parsed.
+struct CliContext {
+    std::ostream& out;
+    std::ostream& err;
+    std::function<void()> action;
+};
+
+// A wrong argument that only the command can recognise (exit status 2).
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Adds a subcommand whose callback stores `run` as the action.
+CLI::App* addCommand(CLI::App& parent, CliContext& context, const std::string& name, const std::string& description,
+                     std::function<void()> run);
+
+// Checks the package as opening it in the window would; throws its error when it is no project.
+TeskProjectManifest openProject(const std::filesystem::path& projectURL);
+
+// An absolute, normalised form of a path typed by the user, without a trailing separator.
+std::filesystem::path absolutePath(const std::string& typed);
+
+template <class T>
+void printJson(std::ostream& out, const T& value) {
+    out << platform::json::encode(value) << '\n';
+}
+
+void addProjectCommands(CLI::App& app, CliContext& context);
+void addWorkspaceCommands(CLI::App& app, CliContext& context);
+void addSourcesCommands(CLI::App& app, CliContext& context);
+void addAuditCommands(CLI::App& app, CliContext& context);
+
+} // namespace mibrel::cli
