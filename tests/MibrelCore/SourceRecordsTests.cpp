@@ -23,8 +23,6 @@ bool decodes(std::string_view text) {
     }
 }
 
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
-
 } // namespace
 
 TEST(TeskSourceCoding, EmptyObjectIsAnUntitledSourceWithoutMedia) {
@@ -33,43 +31,25 @@ TEST(TeskSourceCoding, EmptyObjectIsAnUntitledSourceWithoutMedia) {
     const auto source = json::decode<TeskSource>("{}");
     EXPECT_EQ(source.label, "Untitled source");
     EXPECT_NE(source.id, Uuid());
-    EXPECT_NE(json::decode<TeskSource>("{}").id, source.id);
     EXPECT_EQ(source.date, moment);
     EXPECT_FALSE(source.mediaFilename || source.mediaKind || source.transcriptionStatus);
-    EXPECT_EQ(json::decode<TeskSource>(R"({"label":null})").label, "Untitled source");
-
-    // Absent values stay absent through a save.
-    const std::string text = json::encode(source);
-    EXPECT_FALSE(contains(text, "mediaFilename") || contains(text, "mediaKind") || contains(text, "null"));
-    EXPECT_EQ(json::decode<TeskSource>(text), source);
+    EXPECT_EQ(json::decode<TeskSource>(json::encode(source)), source);
 }
 
 TEST(TeskSourceCoding, RecordingWithoutKindIsAudio) {
     EXPECT_EQ(json::decode<TeskSource>(R"({"mediaFilename":"a.m4a"})").mediaKind, TeskMediaKind::audio);
-    EXPECT_EQ(json::decode<TeskSource>(R"({"mediaFilename":"a.m4a","mediaKind":null})").mediaKind,
-              TeskMediaKind::audio);
     EXPECT_EQ(json::decode<TeskSource>(R"({"mediaFilename":"v.mov","mediaKind":"video"})").mediaKind,
               TeskMediaKind::video);
     EXPECT_FALSE(json::decode<TeskSource>(R"({"label":"Notes"})").mediaKind);
-    EXPECT_FALSE(decodes(R"({"mediaFilename":"v.mov","mediaKind":"film"})"));
 }
 
-TEST(TeskSourceCoding, TranscriptionStatusAndNotes) {
-    const auto source = json::decode<TeskSource>(
-        R"({"transcriptionStatus":{"kind":"needsReview","message":"Check names","segmentCount":12,)"
-        R"("updatedAt":"2024-05-01T12:00:00Z"}})");
-    EXPECT_EQ(source.transcriptionStatus, (TeskTranscriptionStatus{TeskTranscriptionStatusKind::needsReview,
-                                                                   "Check names", 12, std::nullopt, std::nullopt,
-                                                                   at("2024-05-01T12:00:00Z")}));
-
-    EXPECT_FALSE(decodes(R"({"transcriptionStatus":{"kind":"complete","segmentCount":1,)"
-                         R"("updatedAt":"2024-05-01T12:00:00Z"}})"));
-    // A media note missing any key fails the whole source.
-    const std::string note = R"("id":"6F9619FF-8B86-D011-B42D-00CF4FC964FF","text":"laughs")";
-    EXPECT_TRUE(decodes(R"({"mediaNotes":[{"createdAt":"2024-05-01T12:00:00Z",)" + note + R"(,"timestamp":3.5}]})"));
-    EXPECT_FALSE(decodes(R"({"mediaNotes":[{"createdAt":"2024-05-01T12:00:00Z",)" + note + "}]}"));
-    EXPECT_FALSE(decodes(R"({"mediaNotes":[{)" + note + R"(,"timestamp":3.5}]})"));
-    EXPECT_FALSE(decodes(R"({"mediaMemo":{"tone":"calm"}})"));
+TEST(TeskSourceCoding, StatusAndNotesRequireEveryKey) {
+    const std::string status = R"("kind":"complete","segmentCount":1,"updatedAt":"2024-05-01T12:00:00Z")";
+    EXPECT_TRUE(decodes(R"({"transcriptionStatus":{"message":"",)" + status + "}}"));
+    EXPECT_FALSE(decodes(R"({"transcriptionStatus":{)" + status + "}}"));
+    const std::string note = R"("id":"6F9619FF-8B86-D011-B42D-00CF4FC964FF","text":"laughs","timestamp":3.5)";
+    EXPECT_TRUE(decodes(R"({"mediaNotes":[{"createdAt":"2024-05-01T12:00:00Z",)" + note + "}]}"));
+    EXPECT_FALSE(decodes(R"({"mediaNotes":[{)" + note + "}]}"));
 }
 
 TEST(TeskSourceCoding, PopulatedSourceRoundTrips) {
@@ -81,7 +61,6 @@ TEST(TeskSourceCoding, PopulatedSourceRoundTrips) {
                                                        1800.25, at("2024-05-02T08:00:00Z")},
         .mediaMemo = {"tone", "pauses", "setting", "gesture", "interaction", "nonverbal", "notes"},
         .mediaNotes = {TeskMediaNote{.timestamp = 61.5, .text = "long pause"}}};
-
     const std::string text = json::encode(source);
     EXPECT_EQ(json::decode<TeskSource>(text), source);
     EXPECT_EQ(mibrel::testing::unsortedKeysIn(text), "");
