@@ -7,6 +7,15 @@
 namespace mibrel::TeskProjectArchive {
 namespace files = platform::files;
 
+NewProjectLocation newProjectLocation(const std::filesystem::path& chosen) {
+    NewProjectLocation result{chosen, {}, false};
+    const std::string ending = "." + std::string(fileExtension);
+    result.mayReplace = chosen.extension() == ending;
+    if (!result.mayReplace) result.location += ending;
+    result.title = result.location.stem().string();
+    return result;
+}
+
 void createEmpty(const std::filesystem::path& location, const std::string& title, bool replacingExisting) {
     if (files::itemExists(location)) {
         if (!replacingExisting) {

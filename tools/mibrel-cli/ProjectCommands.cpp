@@ -100,13 +100,10 @@ struct CreateOptions {
 // As the window's New Project: the ".mvibrl" ending is added when missing, and a name
 // that had to be extended never replaces an existing package.
 void createProject(CliContext& context, const CreateOptions& options) {
-    std::filesystem::path location = absolutePath(options.path);
-    const std::string ending = "." + std::string(TeskProjectArchive::fileExtension);
-    const bool hadExtension = location.extension() == ending;
-    if (!hadExtension) location += ending;
-    const std::string title = options.title.value_or(location.stem().string());
-    TeskProjectArchive::createEmpty(location, title, options.replace && hadExtension);
-    printJson(context.out, ProjectInfo{.manifest = openProject(location), .path = location.string()});
+    const auto chosen = TeskProjectArchive::newProjectLocation(absolutePath(options.path));
+    TeskProjectArchive::createEmpty(chosen.location, options.title.value_or(chosen.title),
+                                    options.replace && chosen.mayReplace);
+    printJson(context.out, ProjectInfo{.manifest = openProject(chosen.location), .path = chosen.location.string()});
 }
 
 } // namespace

@@ -1,0 +1,79 @@
+#include "MibrelMac/App/MibrelApp.h"
+
+#include <exception>
+
+#include <QUrlQuery>
+
+#include "MibrelCore/Audit/TeskAuditTrail.h"
+#include "MibrelMac/App/MibrelLaunchArguments.h"
+#include "MibrelMac/State/MibrelDataFiles.h"
+
+namespace mibrel {
+namespace {
+
+const QString kURLScheme = QStringLiteral("merivante-mibrel");
+
+} // namespace
+
+MibrelApp::MibrelApp(MibrelPanels& panels, QSettings& settings, QStringList arguments, QObject* parent)
+    : QObject(parent), m_arguments(std::move(arguments)), m_session(panels, settings) {
+    connect(&m_session, &MibrelProjectSession::projectURLChanged, this, &MibrelApp::projectDidChange);
+}
+
+void MibrelApp::rootDidAppear() {
+    openLaunchProjectIfNeeded();
+    m_delegate.setHandler([this](const std::vector<QUrl>& urls) {
+        for (const QUrl& url : urls) handleExternalOpen(url);
+    });
+    for (const QUrl& url : m_delegate.takePending()) handleExternalOpen(url);
+}
+
+void MibrelApp::openLaunchProjectIfNeeded() {
+    if (m_session.projectURL()) return;
+    const auto project = MibrelLaunchArguments::projectToOpen(m_arguments);
+    if (!project) return;
+    try {
+        m_session.open(*project);
+    } catch (const std::exception& error) {
+        m_session.setLastError(error.what());
+    }
+}
+
+void MibrelApp::handleExternalOpen(const QUrl& url) {
+    if (url.isLocalFile()) {
+        m_session.openExternal(url.toLocalFile().toStdString());
+        return;
+    }
+    if (url.scheme() != kURLScheme || !url.hasQuery()) return;
+    const QUrlQuery query(url);
+    for (const auto& [name, value] : query.queryItems(QUrl::FullyDecoded)) {
+        if (name != QStringLiteral("path")) continue;
+        if (!value.isEmpty()) m_session.openExternal(std::filesystem::absolute(value.toStdString()));
+        return;
+    }
+}
+
+void MibrelApp::projectDidChange() {
+    const auto projectURL = m_session.projectURL();
+    m_sourcesState.bind(projectURL);
+    m_workspaceState.bind(projectURL);
+    m_workspaceState.onAuditEvent = [this, projectURL](const std::string& event, const std::string& detail) {
+        if (!projectURL) return;
+        try {
+            TeskAuditTrail::append(event, detail, *projectURL);
+        } catch (const std::exception& error) {
+            m_workspaceState.setLastError(std::string("The audit trail could not be updated: ") + error.what());
+        }
+    };
+    if (projectURL) {
+        if (auto dataFile = m_session.takePendingDataImport()) dispatchDataImport(*dataFile);
+    }
+}
+
+void MibrelApp::dispatchDataImport(const std::filesystem::path& dataFile) {
+    // Response tables, transcripts and recordings are taken in by the sources state once it
+    // can import them; until then the new project simply opens empty.
+    (void)dataFile;
+}
+
+} // namespace mibrel

@@ -1,0 +1,51 @@
+#include "MibrelMac/State/MibrelDataFiles.h"
+
+#include <algorithm>
+
+#include "Platform/Files/FileSystem.h"
+
+namespace mibrel::MibrelDataFiles {
+namespace {
+
+template <std::size_t N>
+bool contains(const std::array<std::string_view, N>& list, const std::string& extension) {
+    return std::find(list.begin(), list.end(), extension) != list.end();
+}
+
+} // namespace
+
+std::string lowercasedExtension(const std::filesystem::path& location) {
+    const std::string name = platform::files::lastPathComponent(location);
+    const auto dot = name.rfind('.');
+    if (dot == std::string::npos || dot == 0) return {};
+    std::string extension = name.substr(dot + 1);
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c); });
+    return extension;
+}
+
+bool isSpreadsheet(const std::filesystem::path& location) {
+    return contains(spreadsheetExtensions, lowercasedExtension(location));
+}
+
+bool isDocument(const std::filesystem::path& location) {
+    return contains(documentExtensions, lowercasedExtension(location));
+}
+
+bool isMedia(const std::filesystem::path& location) {
+    const std::string extension = lowercasedExtension(location);
+    return contains(audioExtensions, extension) || contains(videoExtensions, extension);
+}
+
+bool isDataFile(const std::filesystem::path& location) {
+    return isSpreadsheet(location) || isDocument(location) || isMedia(location);
+}
+
+std::string friendlyOpenError(const std::filesystem::path& location, const std::string& fallback) {
+    if (!isDataFile(location)) return fallback;
+    return "That looks like a data file, not a Mibrel project. Mibrel projects end in .mvibrl. To bring this data "
+           "in, create or open a project first, then use File > Import Responses (spreadsheets), Import Transcript "
+           "(documents), or Import Audio/Video.";
+}
+
+} // namespace mibrel::MibrelDataFiles
