@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # Builds the bundled "Teacher Retention" sample project
-# (Resources/Samples/TeacherRetention.mvibrl/): six typed transcripts plus a
+# (Resources/Samples/TeacherRetention.mvibrl/): seven typed transcripts plus a
 # coded workspace and its audit trail, all invented.
 #
 #   python3 Resources/Samples/make_sample.py
@@ -235,6 +235,51 @@ SOURCES = [
         ],
     },
     {
+        # Recruited after the focus group, hence the later date: first coding
+        # showed no account from anyone who had actually left. Listed with the
+        # interviews so the focus group stays last.
+        "key": "T10",
+        "label": "Interview — Participant T10",
+        "date": "2026-02-24 16:15",
+        "createdAt": "2026-02-26 15:30",
+        "tags": ["interview", "English language development", "year 4", "Esker Hill", "returner"],
+        "mediaMemo": {
+            "tone": "Even and reflective, with dry humour; slower and more careful about the training job, as if checking the account against how it had felt at the time.",
+            "pausesAndEmphasis": "Long pause before “It was a schedule.” Stressed “chose” in “This time I chose the school.”",
+            "setting": "Participant's classroom at Esker Hill after the late buses, posters in four languages on the back wall; 65 minutes.",
+            "gestureAndMovement": "Turned an old distribution-centre lanyard over in their hands for part of the interview; said it lives in the desk drawer.",
+            "interaction": "Recruited through the teachers' association newsletter. Said they agreed because “people only ask the ones who leave, never the ones who come back.”",
+            "nonverbalContext": "A student came back for a phone charger near the end and chatted with the participant in Spanish for a minute; recorder paused.",
+            "analyticNotes": "The only participant who has lived on both sides of the comparison with other work; this interview prompted that code. I left teaching and did not go back, and caught myself wanting to hear the return as a retreat. Memo written the same evening.",
+        },
+        "turns": [
+            ("Interviewer", "Thanks for staying after the buses. You said on the phone that this is your second time teaching in Pellbrook. Could you tell me how that came about?"),
+            ("T10", "Sure. I taught English at Quillon Ridge for three years, straight out of my credential program. Then I left in June 2023 and worked at the distribution centre for two years, in training. And in August I came back — different school, and really a different subject. I teach English language development here at Esker Hill now. So it's my fourth year of teaching and my first year in this building, which is a strange thing to be."),
+            ("Interviewer", "Can you take me back to the decision to leave?"),
+            ("T10", "It wasn't one thing. Third year, I had a hundred and fifty-some students, I was coaching speech and debate, and I was paying off loans on a salary that — I did the spreadsheet. Everybody does the spreadsheet. The centre was hiring training coordinators, and the posting actually said “former teachers encouraged to apply,” which tells you something. It was nine thousand more to start, plus a bonus, and the day ended at five. Actually ended. I remember thinking, I'll get my evenings back and I'll finally be a person."),
+            ("Interviewer", "And did you get them back, the evenings?"),
+            ("T10", "I did. That part was true. I went to the gym, I cooked, I read novels again. For about six months I felt like I'd gotten away with something. The job was onboarding — safety modules, the scanner system, how to lock out a conveyor before you reach into it. And I was good at it. My reviews were great. I could stand in front of forty adults at six in the morning and keep them awake, which after ninth graders is not hard."),
+            ("Interviewer", "You said “for about six months.” What happened after that?"),
+            ("T10", "It got quiet in a way I didn't expect. Every module was written by corporate and signed off by compliance, and I wasn't allowed to change a slide. If someone didn't get it, you played the video again. Nobody remembered any of it a week later, and nobody was supposed to — they needed the certificate in the system, that's all. I used to have Sunday dread. Out there I had Sunday nothing. I wasn't dreading Monday, but I wasn't anything about Monday either."),
+            ("Interviewer", "Was there a moment when you started thinking about coming back?"),
+            ("T10", "There was a specific day. I was running a forklift certification group, and one of the new hires stopped me at the break and said, “Wait, you're —” and my name — “you were my sister's English teacher. She still talks about that poetry slam.” And I went out to my car at lunch and just sat there. Because I'd been good at the training for two years and nobody was ever going to say that about it. Not because the people weren't great. It just wasn't that kind of work."),
+            ("Interviewer", "What did deciding to come back look like?"),
+            ("T10", "Slow. I did the spreadsheet again, in the other direction. My partner had started a job with the county that has good health insurance, so for the first time the math didn't have to work on my salary alone. I'm not going to pretend that isn't part of it. I came back two steps lower than I'd be if I'd never left, and it's still about eight thousand less than the centre. But I could see a version of it I could do."),
+            ("Interviewer", "What made that version different from the one you left?"),
+            ("T10", "Two things, mostly. This time I chose the school. In my interview here the principal asked me why I'd left the first time, and then she actually wrote down what I said. Nobody asked me that when I left — I handed in a letter and that was it. And I came back with rules. I don't coach. I don't join committees this year. I grade in the building, and when I leave the building I leave. I say no to everything that isn't students, and I say it early, before anyone's counting on me."),
+            ("Interviewer", "How have the rules held up, six months in?"),
+            ("T10", "Mostly. Coverage is the exception — you can't say no to coverage, nobody can, there are no subs. I've covered nine periods since Christmas. But the rest, yes. I'm out by four-thirty three days a week. I'm more tired than I was at the centre and less tired than I was in year three, if that makes sense. It's the kind of tired where you sleep."),
+            ("Interviewer", "You've moved from English to English language development. How has that been?"),
+            ("T10", "Humbling. Most of my students arrived in the last two years, a lot of them because a parent got a job at the centre — so some of them are families I trained. I had a girl arrive in October with almost no English, and by January she was correcting my Spanish in front of the class. Some days I have no idea what I'm doing. But when it goes wrong here it matters, and when it goes right it matters. At the centre I was good at it and it didn't matter. I'll take this."),
+            ("Interviewer", "Who do you have around you here?"),
+            ("T10", "Nobody assigned. The mentoring is for your first two years, and on paper I'm a fourth-year. But I'm new to this building and new to teaching language, so I'm sort of in between. There's a district coordinator who visits once a month, which is fine. Really it's the two Spanish teachers down the hall — they let me sit in on their classes during my prep for the first few weeks. And a couple of people from Quillon Ridge texted me in August: “traitor,” as a joke, and then “welcome home.”"),
+            ("Interviewer", "Do you think about leaving again?"),
+            ("T10", "Sometimes. I'm not going to tell you I've found my forever. If my partner's job went away, or if they started taking my prep for coverage every day, I'd do the spreadsheet again. But I'd leave knowing what I was leaving for. Last time I thought the other side of the gap was a life. It was a schedule."),
+            ("Interviewer", "What would you say to someone who's where you were in your third year?"),
+            ("T10", "Do the spreadsheet, honestly. It's not wrong. Just know it doesn't have a row for what you'll miss. And maybe work somewhere that asks you why you're leaving, because if somebody had asked me, I might have told them something they could fix."),
+        ],
+    },
+    {
         "key": "FG1",
         "label": "Focus group — early-career teachers (T06–T09)",
         "date": "2026-02-12 16:30",
@@ -308,7 +353,7 @@ CODES = [
         "excludeWhen": "Support among teachers at the same career stage (use Collegial trust). One-off help from an administrator (use Administrative support).",
         "borderlineCases": "An experienced colleague who informally hands over materials most days (T01's neighbour): code here, because the participant calls it the mentoring that actually happened. A group chat among early-career teachers is Collegial trust, not mentoring, even when the participant compares it with the mentoring programme; double-code only the comparison itself.",
         "exampleQuote": "She'll come watch the first ten minutes of my third period and then we'll talk about just that ten minutes.",
-        "contextNotes": "The district assigns mentors for two years and requires a meeting log. Matching appears to follow availability rather than subject or building, and mentors get no release time.",
+        "contextNotes": "The district assigns mentors for two years and requires a meeting log. Matching appears to follow availability rather than subject or building, and mentors get no release time. Teachers who return after time away are not assigned one, even when new to the building (T10).",
     },
     {
         "key": "admin",
@@ -420,7 +465,7 @@ CODES = [
         "excludeWhen": "Reasons for staying with no reference to leaving (use Staying anchors).",
         "borderlineCases": "Conditional statements (“if I still can't afford a one-bedroom…”): code here, as leaving under consideration. Moving to another district while staying in teaching: code here and note the destination in the memo.",
         "exampleQuote": "Not leaving teaching, I want to be clear on that. I'm leaving the district.",
-        "contextNotes": "Two participants have accepted other jobs (T02 in instructional design, T04 in Tallis County) and one is interviewing (T08). No participant described an exit interview.",
+        "contextNotes": "Two participants have accepted other jobs (T02 in instructional design, T04 in Tallis County) and one is interviewing (T08). T10 left in 2023 and came back in 2025. No participant described an exit interview.",
     },
     {
         "key": "anchors",
@@ -435,6 +480,20 @@ CODES = [
         "borderlineCases": "“The kids” as the reason to stay: code here and under Student relationships. Financial cushions that make staying possible (living with parents, a partner's income): code under Salary and cost of living, and here only if the participant frames them as what keeps them.",
         "exampleQuote": "I'm not here because it adds up. I'm here because it's home",
         "contextNotes": "Added on 23 February; T01, T03 and T04 were re-read and recoded for it on 26 February. Still draft: “anchor” may suggest more stability than participants describe.",
+    },
+    {
+        "key": "other-work",
+        "createdAt": "2026-02-26 17:00",
+        "name": "Comparison with other work",
+        "status": "draft",
+        "includeInContextualLens": True,
+        "definition": "How participants measure teaching against work outside it — jobs they have held, are moving to or imagine — judged by what the work is like: its purpose, pace, discretion, recognition and the life it leaves room for.",
+        "fullDescription": "Emerged from T10, who left for a training job at the distribution centre and came back two years later: the only account in which the other side of the comparison has been lived rather than imagined. Other participants compare too — with a former laboratory career, with friends in better-paid work, with a job offer being weighed — but mostly in pay and hours. T10 compares the work itself and finds the difference where the sum did not reach. The code records the comparison and the terms it is made in, so that imagined and lived alternatives can be read against each other.",
+        "includeWhen": "The participant describes a former, prospective or imagined occupation outside school teaching, or the work of friends or family, and uses it to judge what teaching is or is not: the judgement it asks for, whether anyone's learning depends on it, its hours, its recognition, how much of it they control.",
+        "excludeWhen": "Pay or benefit comparisons that say nothing about the work itself (use Salary and cost of living). Moving to another district while staying in teaching (use Leaving intentions). Comparisons between schools or subjects within teaching.",
+        "borderlineCases": "A job offer being weighed (T02, T08): Leaving intentions by default; code here as well when the participant says what the other work is like or what they expect to miss. Pay comparisons with other occupations that the participant qualifies by the work (T01: “I'm not saying I'd do that job”): code under Salary and cost of living and here. Competence in a non-teaching job (T10 training adults): code here, not under Sense of efficacy, which is kept for students' learning.",
+        "exampleQuote": "Last time I thought the other side of the gap was a life. It was a schedule.",
+        "contextNotes": "Added on 26 February after transcribing T10; the earlier transcripts were re-read and coded for it on 27 February. Two participants have worked outside teaching (T03 for nine years, T10 for two) and two are moving or may move to other work (T02, T08). Imagined alternatives tend to be described in pay and hours, lived ones in purpose and recognition; record which in the memo. Having another career to compare with is itself unevenly spread. Still draft: it may turn out to be a dimension of Leaving intentions and Staying anchors rather than a code of its own.",
     },
 ]
 
@@ -464,8 +523,8 @@ CATEGORIES = [
         "key": "decisions",
         "createdAt": "2026-02-27 15:00",
         "name": "Career decision-making",
-        "codes": ["leaving", "anchors"],
-        "memo": "Where the other categories converge: what participants say pushes them out and what holds them. Kept as a separate category so that staying and leaving can be read against each other rather than as opposites on one scale.",
+        "codes": ["leaving", "anchors", "other-work"],
+        "memo": "Where the other categories converge: what participants say pushes them out and what holds them. Kept as a separate category so that staying and leaving can be read against each other rather than as opposites on one scale. Comparison with other work belongs here because participants weigh staying and leaving against a picture of the work on the other side, and T10 is the one who checked the picture.",
     },
 ]
 
@@ -496,12 +555,12 @@ THEMES = [
         "key": "calculation",
         "createdAt": "2026-03-04 11:00",
         "name": "Leaving as a calculation that never closes",
-        "codes": ["salary", "workload", "leaving", "autonomy"],
+        "codes": ["salary", "workload", "leaving", "autonomy", "other-work"],
         "categories": ["conditions", "decisions"],
-        "memo": "Revised after the member check on 16 March. The first claim described leaving as arithmetic; T02 and T04 both found that too tidy, and T02's decision “wasn't the list” but an inability to picture a future in the job. The claim now carries that future-picturing element, and autonomy and career path are named as terms in the calculation, not only pay.",
+        "memo": "Revised after the member check on 16 March. The first claim described leaving as arithmetic; T02 and T04 both found that too tidy, and T02's decision “wasn't the list” but an inability to picture a future in the job. The claim now carries that future-picturing element, and autonomy and career path are named as terms in the calculation, not only pay. Comparison with other work was linked once T10 was coded: the one participant who acted on the calculation found it had misjudged the other side.",
         "interpretiveClaim": "Participants who leave or consider leaving describe a running calculation of salary, rent, hours and the years ahead, and the turning point comes when they conclude the gap will never close — that they cannot picture a version of the job they could sustain. Leaving the district and leaving teaching are different outcomes of that calculation, and autonomy and a visible career path enter it as terms that could change the result.",
-        "contextLens": "Rising rents in Pellbrook and a better-paying neighbouring district make the calculation unusually visible here. Participants with financial cushions (T03's paid-down house, T06 living with parents) describe it as something others face. With no exit interviews, the district does not see the calculation being made.",
-        "counterEvidence": "T05 refuses the calculation outright (“I've never done the math, because if I did the math I'd probably leave”). T09 says pay is not the main issue. T02 says the decision “wasn't the list”, which is why the claim was widened beyond pay.",
+        "contextLens": "Rising rents in Pellbrook and a better-paying neighbouring district make the calculation unusually visible here, and the distribution centre that pushed rents up also offers former teachers a way out. Participants with financial cushions (T03's paid-down house, T06 living with parents) describe it as something others face; T10 could return only once a partner's job carried the health insurance. With no exit interviews, the district does not see the calculation being made.",
+        "counterEvidence": "T05 refuses the calculation outright (“I've never done the math, because if I did the math I'd probably leave”). T09 says pay is not the main issue. T02 says the decision “wasn't the list”, which is why the claim was widened beyond pay. T10 made the calculation, left, and came back two years later: the other side of the gap “was a schedule”, so leaving did not close the calculation either.",
     },
 ]
 
@@ -511,8 +570,10 @@ THEMES = [
 # ---------------------------------------------------------------------------
 # Each application names its segment by a phrase that must occur in exactly
 # one segment of that source. With excerpt=True the phrase is also stored as
-# the highlighted excerpt; otherwise the whole turn is coded. Sessions mirror how the coding was actually done: one sitting
-# per transcript, then a recoding pass once Staying anchors existed.
+# the highlighted excerpt; otherwise the whole turn is coded. Sessions mirror
+# how the coding was actually done: one sitting per transcript, and a recoding
+# pass over the earlier transcripts whenever a new code appeared (Staying
+# anchors, then Comparison with other work).
 
 SESSIONS = [
     ("2026-02-17 13:00", [
@@ -598,6 +659,38 @@ SESSIONS = [
         ("T04", "anchors", "I'm leaving because I care about still being able to do this in ten years.", True, "Recoded: anchored to teaching as a profession, not to the district."),
         ("T02", "anchors", "That's the part I'm not okay with.", False, "Recoded: what would be missed. Anchors that did not hold."),
     ]),
+    ("2026-02-27 09:00", [
+        ("T10", "salary", "nine thousand more to start", True, "The outside offer: more pay, a bonus and a day that ended at five. Loans on a teacher's salary."),
+        ("T10", "leaving", "Everybody does the spreadsheet.", True, "Retrospective: left in June 2023. The spreadsheet recurs through the interview as the participant's own figure for the calculation."),
+        ("T10", "workload", "a hundred and fifty-some students", True, "Third-year load before leaving, with speech and debate coaching on top."),
+        ("T10", "other-work", "I could stand in front of forty adults at six in the morning", False, "Competence carried into the training job: good reviews, evenings back, novels again."),
+        ("T10", "autonomy", "I wasn't allowed to change a slide", True, "Modules locked by compliance: the scripted material T02 left teaching over, met outside it in a stricter form."),
+        ("T10", "exhaustion", "I used to have Sunday dread.", True, "“Sunday dread” unprompted, the phrase flagged in T02's memo; remembered from year three."),
+        ("T10", "other-work", "Out there I had Sunday nothing.", True, "The lived comparison: the dread lifted and nothing took its place. The segment that prompted this code."),
+        ("T10", "students", "She still talks about that poetry slam.", True, "Recognition arriving second-hand, through a former student's brother, at the training job."),
+        ("T10", "other-work", "It just wasn't that kind of work.", True, "Not the people but the work: being good at it changed nothing for anyone's learning."),
+        ("T10", "salary", "the math didn't have to work on my salary alone", True, "A partner's job with health insurance made the return affordable; named plainly as part of it. Returned two steps lower, still below the centre's pay."),
+        ("T10", "anchors", "But I could see a version of it I could do.", True, "The reverse of T02's “couldn't picture myself at thirty-five”: returning once a sustainable version can be pictured."),
+        ("T10", "admin", "then she actually wrote down what I said", True, "Asked at hiring why they had left; nobody asked at the resignation. Same principal as T03."),
+        ("T10", "workload", "I say no to everything that isn't students", False, "Came back with limits on the load: no coaching, no committees this year, marking only in the building."),
+        ("T10", "workload", "I've covered nine periods since Christmas.", True, "Coverage is the one limit that cannot be set. Tired “where you sleep”: load without the depletion of year three."),
+        ("T10", "efficacy", "Some days I have no idea what I'm doing.", True, "New subject and low confidence, held together with the sense that it matters either way."),
+        ("T10", "other-work", "At the centre I was good at it and it didn't matter.", True, "Efficacy measured against work where being good had no consequence for anyone; double-coded with efficacy on the same turn."),
+        ("T10", "mentoring", "on paper I'm a fourth-year", True, "Returners fall outside the two-year programme. Sitting in on the Spanish teachers' classes stood in for it."),
+        ("T10", "collegial", "texted me in August", False, "Former colleagues' joke and welcome; ties kept across the two years away."),
+        ("T10", "leaving", "I'd do the spreadsheet again", True, "Conditional: the partner's job and the prep period are the terms. Would leave “knowing what I was leaving for”."),
+        ("T10", "other-work", "Last time I thought the other side of the gap was a life. It was a schedule.", True, "The comparison settled by living it; “the gap” echoes T04."),
+        ("T10", "anchors", "it doesn't have a row for what you'll miss", True, "What the calculation leaves out, in the participant's words."),
+        ("T10", "admin", "if somebody had asked me", True, "No exit conversation; the participant thinks one could have changed the outcome. Compare T02 and T04."),
+    ]),
+    ("2026-02-27 11:30", [
+        ("T01", "other-work", "I'm not saying I'd do that job", True, "Recoded: the better-paid alternative weighed in money and set aside as work."),
+        ("T02", "other-work", "and I can work from home", True, "Recoded: the new job described by its terms (pay, place), not yet by its work."),
+        ("T03", "other-work", "I liked the kids more than the instruments", True, "Recoded: nine stable, “very boring” years in a lab, and teaching chosen against them."),
+        ("T03", "other-work", "In the lab, you follow the protocol.", True, "Recoded: the former work as the measure of what teaching asks — judgement, not protocol."),
+        ("T04", "other-work", "you're going to sell real estate", True, "Recoded: the stereotype of the outside job, rejected; leaving the district is not a move to other work."),
+        ("FG1", "other-work", "then I'll miss this every day", True, "Recoded: T08 already expects to miss teaching before taking the lab job."),
+    ]),
 ]
 
 # Minutes between successive applications within a sitting; varied so the
@@ -632,6 +725,13 @@ QUOTES = [
         "codes": ["leaving"], "themes": ["presence"], "role": "counterExample",
         "memo": "T08, the best-mentored participant in the focus group, is still likely to leave.",
         "rationale": "Keeps the theme from implying that good mentoring secures retention.",
+    },
+    {
+        "key": "q-asked-why-i-left", "createdAt": "2026-03-05 11:20", "source": "T10",
+        "text": "In my interview here the principal asked me why I'd left the first time, and then she actually wrote down what I said. Nobody asked me that when I left — I handed in a letter and that was it.",
+        "codes": ["admin"], "themes": ["presence"], "role": "supporting",
+        "memo": "A returner asked at hiring what no one asked at resignation.",
+        "rationale": "Presence at the point of entry, set against the absence of any exit conversation. Same principal as T03, so read it with T03's account rather than as independent confirmation.",
     },
     {
         "key": "q-because-its-home", "createdAt": "2026-03-05 14:10", "source": "T05",
@@ -676,6 +776,20 @@ QUOTES = [
         "rationale": "The participant's own correction to how leaving is usually heard; the report should open with it.",
     },
     {
+        "key": "q-gap-was-a-schedule", "createdAt": "2026-03-06 11:15", "source": "T10",
+        "text": "But I'd leave knowing what I was leaving for. Last time I thought the other side of the gap was a life. It was a schedule.",
+        "codes": ["other-work", "leaving"], "themes": ["calculation"], "role": "counterExample",
+        "memo": "The one participant who acted on the calculation and came back.",
+        "rationale": "Keeps the theme from treating leaving as the end of the calculation: the sum that sent T10 out had misjudged the other side, and T10 ran it again in the other direction.",
+    },
+    {
+        "key": "q-no-row", "createdAt": "2026-03-06 11:40", "source": "T10",
+        "text": "Do the spreadsheet, honestly. It's not wrong. Just know it doesn't have a row for what you'll miss.",
+        "codes": ["anchors", "other-work"], "themes": ["calculation"], "role": "supporting",
+        "memo": "Advice to a third-year teacher in T10's old position.",
+        "rationale": "Agrees with T02's “wasn't the list” from the opposite outcome: the calculation is real but leaves out what holds people.",
+    },
+    {
         "key": "q-picture-at-thirty-five", "createdAt": "2026-03-16 18:40", "source": "T02",
         "text": "But in the end it wasn't the list. It was that I couldn't picture myself at thirty-five still doing this.",
         "codes": ["leaving"], "themes": ["calculation"], "role": "supporting",
@@ -690,10 +804,10 @@ LENS_REVIEWS = [
         "key": "review-calculation", "theme": "calculation",
         "createdAt": "2026-03-10 11:00", "updatedAt": "2026-03-16 18:30",
         "context": "A town where rents are rising and the neighbouring district pays more at every step; no exit interviews, so leaving is invisible to the district until it happens.",
-        "voice": "The calculation is voiced most clearly by participants who have already decided (T02, T04). Their accounts are partly retrospective and may tidy a messier process into a sum.",
+        "voice": "The calculation is voiced most clearly by participants who have already decided (T02, T04) and by T10, looking back on a decision since reversed. Their accounts are partly retrospective and may tidy a messier process into a sum.",
         "powerPosition": "Participants with financial cushions are positioned to stay and those without are positioned to leave. For some, the “choice” this theme describes is not much of a choice.",
         "representation": "Framing leaving as calculation risks making participants look transactional — exactly what T04 asked me not to do when writing this up.",
-        "counterPatterns": "T05 refuses the calculation; T09 puts pay second to workload; T02 says the decision “wasn't the list”.",
+        "counterPatterns": "T05 refuses the calculation; T09 puts pay second to workload; T02 says the decision “wasn't the list”; T10 acted on it, left, and came back.",
         "consequences": "A finding framed only around pay could justify a stipend-only response and leave autonomy and career paths untouched, though participants named both.",
         "analyticAction": "Take the claim to a member check with T02 and T04. Name autonomy and career path in the theme. Report T05's refusal as a counter-pattern in the body, not a footnote. (16 March: member check held; claim revised to include the future participants cannot picture.)",
     },
@@ -701,10 +815,10 @@ LENS_REVIEWS = [
         "key": "review-admin", "code": "admin",
         "createdAt": "2026-03-09 14:00", "updatedAt": "2026-03-09 14:00",
         "context": "Leadership turnover at Dunmarrow and a district-wide substitute shortage that keeps administrators firefighting.",
-        "voice": "Two of the five interviewees teach at Dunmarrow, and their critical accounts dominate this code. The supportive account from Esker Hill comes from a single first-year teacher.",
+        "voice": "Two of the six interviewees teach at Dunmarrow, and their critical accounts dominate this code. The supportive accounts from Esker Hill come from T03 and T10, who describe the same principal, so they are not independent either.",
         "powerPosition": "Participants were describing the people who evaluate them. Several chose places away from school to talk (T04: “nobody from school comes here”), which suggests caution about what they say on this subject.",
         "representation": "Administrators are not participants, so the code shows leadership only as seen from the classroom. I should not write about administrators' intentions.",
-        "counterPatterns": "T03 and T05 describe specific, responsive acts by administrators. The pattern is not “bad leadership” but whether anyone is present after the request.",
+        "counterPatterns": "T03, T05 and T10 describe specific, responsive acts by administrators. The pattern is not “bad leadership” but whether anyone is present after the request.",
         "consequences": "Careless reporting could identify Dunmarrow and, through it, individual participants. Findings could also be read as blaming individual principals for turnover the district's own arrangements produce.",
         "analyticAction": "Keep the code at review. Compare applications school by school in the next pass. In the report, refer to schools by letter and aggregate findings about administration across schools.",
     },
@@ -721,7 +835,7 @@ MEMBER_CHECKS = [
         "key": "check-calculation", "when": "2026-03-16 18:00", "date": "March 16, 2026",
         "finding": "Leaving follows a calculation that never closes",
         "outcome": "Partly confirmed; claim revised",
-        "feedback": "Separate video calls with T02 and T04. T04 agreed with the financial account but asked again that the write-up make clear this is leaving the district, not teaching. T02 objected to “arithmetic”: the decision was not the pros and cons list but not being able to imagine the job at thirty-five. The claim was widened to include the future participants cannot picture and no longer speaks of arithmetic.",
+        "feedback": "Separate video calls with T02 and T04. T04 agreed with the financial account but asked again that the write-up make clear this is leaving the district, not teaching. T02 objected to “arithmetic”: the decision was not the pros and cons list but not being able to imagine the job at thirty-five. The claim was widened to include the future participants cannot picture and no longer speaks of arithmetic. T10 replied by email that the claim fitted the leaving but not the return, which was “the same spreadsheet with a new row”; noted in the counter-evidence.",
     },
 ]
 
@@ -736,7 +850,7 @@ FINDINGS = [
         "key": "finding-calculation", "theme": "calculation", "createdAt": "2026-03-17 11:30",
         "titleOverride": "Leaving the district is not leaving teaching",
         "claimOverride": "",
-        "writerNote": "Open with T04's request about how this is written up. Put T05's refusal to do the math beside T04's napkin, not after it. Mention the missing exit interviews as something the district can change.",
+        "writerNote": "Open with T04's request about how this is written up. Put T05's refusal to do the math beside T04's napkin, not after it. Mention the missing exit interviews as something the district can change. Use T10 to show the calculation running both ways, not as a happy ending.",
         "includeExemplarQuotes": True, "includeSupportingQuotes": True, "includeCounterExamples": True,
     },
 ]
@@ -744,28 +858,28 @@ FINDINGS = [
 STUDY_FRAME = {
     "researchQuestion": "How do early-career secondary teachers in Pellbrook Unified School District account for their decisions to stay in, move from, or leave teaching, and what do they describe as holding them or pushing them out?",
     "purpose": "To understand retention from the standpoint of teachers in their first four years, in a district where early-career turnover has risen, and to give the district's teacher advisory group findings grounded in teachers' own accounts rather than in exit statistics.",
-    "methodology": "Reflexive thematic analysis, mainly inductive with a light frame from the retention literature, of five semi-structured interviews (45–70 minutes) and one focus group with four teachers. Purposive sampling for variety of subject, school, years of experience and stated intention. Codes are kept in a codebook with inclusion and exclusion rules, then grouped into categories and themes; negative cases are sought deliberately and draft themes are taken back to participants.",
+    "methodology": "Reflexive thematic analysis, mainly inductive with a light frame from the retention literature, of six semi-structured interviews (45–70 minutes) and one focus group with four teachers. Purposive sampling for variety of subject, school, years of experience and stated intention; the sixth interview, with a teacher who left and came back, was sought after first coding showed no account from anyone who had actually left. Codes are kept in a codebook with inclusion and exclusion rules, then grouped into categories and themes; negative cases are sought deliberately and draft themes are taken back to participants.",
     "researcherStance": "Former secondary science teacher (five years), now in graduate study: an insider to the work and an outsider to this district. I treat participants' accounts as interpretations to understand rather than reports to verify, and I keep my own history of leaving teaching in view rather than trying to bracket it away.",
-    "firstReadMemo": "First read across all six transcripts: time and money are everywhere, but they are rarely the whole story. The sharpest contrasts are about who is present — T03's mentor across the hall against T01's mentor in another building — and about whether participants can picture a future here. “The kids” appears in every transcript as a reason to stay and I must not treat it as self-evident. T04's insistence on leaving the district, not teaching, should shape how leaving is coded. Watch my own sympathy for leaving accounts.",
+    "firstReadMemo": "First read across the first six transcripts: time and money are everywhere, but they are rarely the whole story. The sharpest contrasts are about who is present — T03's mentor across the hall against T01's mentor in another building — and about whether participants can picture a future here. “The kids” appears in every transcript as a reason to stay and I must not treat it as self-evident. T04's insistence on leaving the district, not teaching, should shape how leaving is coded. Watch my own sympathy for leaving accounts. (26 February, after transcribing T10: the returner reads the calculation from the far side. Everyone compares teaching with other work, but only T10 has tried it, and T10 talks about it in terms of purpose, not pay.)",
 }
 
 CONTEXT_LENS = {
     "setting": "Pellbrook Unified School District, a mid-sized district with three high schools and two middle schools, in a town where housing costs have risen since a regional distribution centre opened. The district, schools and neighbouring towns are pseudonyms.",
-    "population": "Secondary teachers in their first to fourth year: five interviewees (mathematics, English, chemistry, social studies, special education) and four focus-group participants (PE and health, Spanish, biology, music). Roughly 23 to 35 years old; one career changer interviewed, and one focus-group member considering a move into lab work.",
+    "population": "Secondary teachers in their first to fourth year: six interviewees (mathematics, English, chemistry, social studies, special education, English language development) and four focus-group participants (PE and health, Spanish, biology, music). Roughly 23 to 35 years old; one career changer and one teacher who left for two years and returned were interviewed, and one focus-group member is considering a move into lab work.",
     "culturalContext": "Teaching is locally seen as a stable, respectable job, and several participants grew up in the area. A strong “you do it for the kids” discourse runs through the talk, which participants both draw on and push against.",
-    "institutionalContext": "Mentors are assigned for two years, matched by availability and without release time. A scripted literacy curriculum was adopted last year. A substitute shortage means frequent, mostly unpaid coverage. The neighbouring Tallis County district pays more at equivalent steps. There are no exit interviews and no teacher-leader roles between classroom teacher and assistant principal.",
+    "institutionalContext": "Mentors are assigned for two years, matched by availability and without release time. A scripted literacy curriculum was adopted last year. A substitute shortage means frequent, mostly unpaid coverage. The neighbouring Tallis County district pays more at equivalent steps. There are no exit interviews and no teacher-leader roles between classroom teacher and assistant principal. Teachers who return after time away are not assigned mentors.",
     "positionality": "I am a former teacher who left the classroom, and participants knew this; some may have told me more about leaving because of it. I hold no role in the district and cannot affect anyone's employment, which I said at the start of each interview.",
-    "consequences": "Findings go to the district's teacher advisory group. In a small district careless reporting could identify participants, especially at Dunmarrow, where two of them work. Findings framed only around pay could invite a narrow response; framed only around support, they could let the district step around pay.",
+    "consequences": "Findings go to the district's teacher advisory group. In a small district careless reporting could identify participants, especially at Dunmarrow, where two of them work, and the one returner is distinctive enough to need extra care. Findings framed only around pay could invite a narrow response; framed only around support, they could let the district step around pay.",
 }
 
 TRUSTWORTHINESS = {
-    "reflexivityNotes": "I left secondary teaching after five years, partly for reasons participants describe here (workload, and a principal I did not trust). After T02 I noticed I was warming to leaving accounts and probing them harder than staying accounts. I wrote a memo on it and from then on asked every participant what keeps them, not only what pushes them; the Staying anchors code exists partly because of that correction. I know two senior teachers in the district socially. Neither is a participant, and I have not discussed the study with them.",
-    "limitationsNotes": "A small, self-selected sample from one district: teachers with strong views either way were probably likelier to volunteer. Two interviewees work at the same school, so their accounts of leadership are not independent. No one was interviewed after actually leaving; leaving accounts are anticipatory or freshly decided. The focus group produced more complaint than the interviews, which may reflect group dynamics. Administrators' views are absent by design. Transcripts are lightly cleaned, and overlapping talk in the focus group was simplified.",
-    "negativeCaseNotes": "T05 refuses the financial calculation and is staying despite high exhaustion — the clearest negative case for the calculation theme. T08 had the best-matched mentoring in the sample and is still interviewing for a lab job, which qualifies the support theme. T04's close department eased leaving rather than preventing it. T09 put pay second to workload. Each is recorded as a counter-example quote or in a theme's counter-evidence, and I have tried to keep them in the body of the findings rather than in a closing caveat.",
-    "auditTrailNotes": "Interviews 20 January to 6 February, focus group 12 February, each transcribed by me within two days. Codebook drafted 16 February from first-read memos; Staying anchors added 23 February while coding T05, with earlier transcripts recoded for it on 26 February. Categories 27 February; themes 3–4 March. Contextual lens reviews 9–10 March. Member checks 14 and 16 March; the calculation theme was revised after the second. Decisions are logged in the audit trail and in code and theme memos.",
+    "reflexivityNotes": "I left secondary teaching after five years, partly for reasons participants describe here (workload, and a principal I did not trust). After T02 I noticed I was warming to leaving accounts and probing them harder than staying accounts. I wrote a memo on it and from then on asked every participant what keeps them, not only what pushes them; the Staying anchors code exists partly because of that correction. I know two senior teachers in the district socially. Neither is a participant, and I have not discussed the study with them. T10 is the participant whose history is nearest mine and then departs from it: they came back and I did not. I noticed myself hearing the return as a retreat and wrote a memo on it the evening of the interview.",
+    "limitationsNotes": "A small, self-selected sample from one district: teachers with strong views either way were probably likelier to volunteer. Two interviewees work at Dunmarrow and two at Esker Hill, so their accounts of leadership are not independent. Only one participant (T10) has actually left, and T10 came back; no one who left for good was interviewed, so the other leaving accounts are anticipatory or freshly decided. The focus group produced more complaint than the interviews, which may reflect group dynamics. Administrators' views are absent by design. Transcripts are lightly cleaned, and overlapping talk in the focus group was simplified.",
+    "negativeCaseNotes": "T05 refuses the financial calculation and is staying despite high exhaustion — the clearest negative case for the calculation theme. T08 had the best-matched mentoring in the sample and is still interviewing for a lab job, which qualifies the support theme. T04's close department eased leaving rather than preventing it. T09 put pay second to workload. T10 acted on the calculation and returned, finding the sum had left out the work itself. Each is recorded as a counter-example quote or in a theme's counter-evidence, and I have tried to keep them in the body of the findings rather than in a closing caveat.",
+    "auditTrailNotes": "Interviews 20 January to 6 February, focus group 12 February, and a sixth interview (T10, who had left and returned) on 24 February, each transcribed by me within two days. Codebook drafted 16 February from first-read memos; Staying anchors added 23 February while coding T05, with earlier transcripts recoded for it on 26 February. Comparison with other work added 26 February after transcribing T10; T10 coded and the earlier transcripts recoded for it on 27 February. Categories 27 February; themes 3–4 March. Contextual lens reviews 9–10 March. Member checks 14 and 16 March; the calculation theme was revised after the second. Decisions are logged in the audit trail and in code and theme memos.",
 }
 
-REPORT_MEMO = "Working structure for the report to the teacher advisory group: two findings for now, led by the support finding because it is the one the district can act on soonest. Pay is real, but participants asked not to be reduced to it, so the calculation finding carries T05's refusal and T02's “wasn't the list” alongside T04's numbers. The students theme is not staged yet; its claim still reads as a truism and needs another pass against the focus group. Schools will be referred to by letter, since two participants share one."
+REPORT_MEMO = "Working structure for the report to the teacher advisory group: two findings for now, led by the support finding because it is the one the district can act on soonest. Pay is real, but participants asked not to be reduced to it, so the calculation finding carries T05's refusal and T02's “wasn't the list” alongside T04's numbers. T10's return goes in the calculation finding as the case that tested the other side of the gap, not as a happy ending. The students theme is not staged yet; its claim still reads as a truism and needs another pass against the focus group. Schools will be referred to by letter, since two participants share one."
 
 MANIFEST = {
     "title": "Teacher Retention",
@@ -1019,6 +1133,13 @@ EVENTS = {
     "finding_staged",
 }
 TYPED_ONLY_ABSENT = ("mediaFilename", "mediaKind", "transcriptionMediaFilename", "transcriptionStatus")
+# The sample has to show real work in every part of the workbench: transcripts
+# long enough to code, a codebook whose entries carry their rules, and each
+# kind of quote.
+SEGMENTS_PER_SOURCE = (10, 30)
+MIN_INTERVIEWS = 6
+MIN_CODES = 12
+CODEBOOK_TEXT = ("definition", "includeWhen", "excludeWhen")
 
 SHAPES = {
     # record kind: (required keys, optional keys)
@@ -1168,6 +1289,9 @@ def validate(package):
         if not isinstance(segs, list) or not segs or set(transcript) != {"segments"}:
             ck.fail(where, "transcript must be {\"segments\": [...]} with at least one segment")
             continue
+        low, high = SEGMENTS_PER_SOURCE
+        if not low <= len(segs) <= high:
+            ck.fail(where, "has %d segments; a sample transcript needs %d to %d" % (len(segs), low, high))
         texts = {}
         for i, seg in enumerate(segs):
             swhere = "%s segment %d" % (where, i + 1)
@@ -1177,6 +1301,10 @@ def validate(package):
                     ck.fail(swhere, "empty text")
                 texts[seg["id"]] = seg["text"]
         segments_of[record["id"]] = texts
+    interviews = sum(1 for record, _ in package["sources"]
+                     if isinstance(record, dict) and "interview" in record.get("tags", []))
+    if interviews < MIN_INTERVIEWS:
+        ck.fail("sources", "%d interviews; the sample needs at least %d" % (interviews, MIN_INTERVIEWS))
 
     ws = package["workspace"]
     if not ck.shape("workspace", ws, "workspace"):
@@ -1212,6 +1340,11 @@ def validate(package):
             ck.fail(where, "status %r is not draft, review or accepted" % (c["status"],))
         if c["exampleQuote"] and not any(c["exampleQuote"] in t for t in all_text):
             ck.fail(where, "exampleQuote is not verbatim from any transcript")
+        for field in CODEBOOK_TEXT:
+            if not c[field].strip():
+                ck.fail(where, field + " is empty")
+    if len(codes) < MIN_CODES:
+        ck.fail("codebook", "%d codes; the sample needs at least %d" % (len(codes), MIN_CODES))
 
     categories = {}
     for c in ws["categories"]:
@@ -1274,8 +1407,8 @@ def validate(package):
         if q["isExemplar"] != (q["role"] == "exemplar"):
             ck.fail(where, "isExemplar disagrees with role")
         roles.add(q["role"])
-    if "counterExample" not in roles:
-        ck.fail("quotes", "no counterExample quote")
+    for role in sorted(ROLES - roles):
+        ck.fail("quotes", "no %s quote" % role)
 
     previous = None
     for r in ws["contextualLensReviews"]:
@@ -1309,6 +1442,8 @@ def validate(package):
         if f["themeID"] in finding_themes:
             ck.fail(where, "second finding for the same theme")
         finding_themes.add(f["themeID"])
+    if not finding_themes:
+        ck.fail("report", "no staged finding")
 
     trust = ws["trustworthiness"]
     if ck.shape("trustworthiness", trust, "trustworthiness"):
