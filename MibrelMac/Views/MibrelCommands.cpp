@@ -1,0 +1,117 @@
+#include "MibrelMac/Views/MibrelCommands.h"
+
+#include <QAction>
+#include <QKeySequence>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+
+#include "MibrelMac/App/MibrelApp.h"
+#include "MibrelMac/Views/MibrelToolIcons.h"
+#include "Platform/Foundation/EnumRawValues.h"
+
+namespace mibrel {
+namespace {
+
+QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+QAction* addAction(QMenu* menu, const QString& title, const QKeySequence& shortcut = {}) {
+    QAction* action = menu->addAction(title);
+    action->setShortcut(shortcut);
+    return action;
+}
+
+// Commands whose features are not in this build yet stay visible but unavailable.
+QAction* unavailable(QAction* action) {
+    action->setEnabled(false);
+    action->setProperty("mibrelUnavailable", true);
+    return action;
+}
+
+} // namespace
+
+MibrelCommands::MibrelCommands(QMainWindow& window, MibrelApp& app) : QObject(&window), m_app(app) {
+    addFileMenu(window);
+    addEditMenu(window);
+    addViewMenu(window);
+    connect(&app.shellUI(), &MibrelShellUIState::inspectorVisibilityChanged, this, &MibrelCommands::refresh);
+    refresh();
+}
+
+QAction* MibrelCommands::projectAction(QAction* action) {
+    m_projectActions.push_back(action);
+    return action;
+}
+
+void MibrelCommands::addFileMenu(QMainWindow& window) {
+    QMenu* file = window.menuBar()->addMenu(QStringLiteral("&File"));
+    auto& session = m_app.session();
+    connect(addAction(file, QStringLiteral("New Project…"), QKeySequence(QStringLiteral("Ctrl+N"))),
+            &QAction::triggered, &session, &MibrelProjectSession::newProject);
+    connect(addAction(file, QStringLiteral("Open Project…"), QKeySequence(QStringLiteral("Ctrl+O"))),
+            &QAction::triggered, &session, &MibrelProjectSession::openProject);
+    file->addSeparator();
+    connect(projectAction(addAction(file, QStringLiteral("Save Project"), QKeySequence(QStringLiteral("Ctrl+S")))),
+            &QAction::triggered, &session, &MibrelProjectSession::save);
+    const struct {
+        const char* title;
+        const char* symbol;
+        const char* shortcut;
+    } imports[] = {{"Import Transcript…", "doc.text", "Shift+Ctrl+T"},
+                   {"Import Audio…", "waveform", "Shift+Ctrl+I"},
+                   {"Import Video…", "video", ""},
+                   {"Import Responses (.csv, .xlsx)…", "tablecells", ""}};
+    for (const auto& item : imports) {
+        QAction* action = addAction(file, QString::fromUtf8(item.title), QKeySequence(QString::fromUtf8(item.shortcut)));
+        action->setIcon(iconForSymbol(item.symbol));
+        m_importActions.push_back(projectAction(unavailable(action)));
+    }
+    file->addSeparator();
+    projectAction(unavailable(addAction(file, QStringLiteral("Send to Kessil Bench…"))))
+        ->setIcon(iconForSymbol("arrow.up.forward.app"));
+    projectAction(unavailable(addAction(file, QStringLiteral("Export Presentation Packet…"))))
+        ->setIcon(iconForSymbol("shippingbox"));
+    file->addSeparator();
+    connect(addAction(file, QStringLiteral("Quit"), QKeySequence::Quit), &QAction::triggered, &window, &QMainWindow::close);
+}
+
+void MibrelCommands::addEditMenu(QMainWindow& window) {
+    QMenu* edit = window.menuBar()->addMenu(QStringLiteral("&Edit"));
+    unavailable(addAction(edit, QStringLiteral("Undo"), QKeySequence(QStringLiteral("Ctrl+Z"))));
+    unavailable(addAction(edit, QStringLiteral("Redo"), QKeySequence(QStringLiteral("Shift+Ctrl+Z"))));
+    edit->addSeparator();
+    projectAction(unavailable(
+        addAction(edit, QStringLiteral("Copy Transcript for Word"), QKeySequence(QStringLiteral("Alt+Ctrl+C")))));
+    edit->addSeparator();
+    connect(addAction(edit, QStringLiteral("Settings…"), QKeySequence(QStringLiteral("Ctrl+,"))),
+            &QAction::triggered, this, &MibrelCommands::settingsRequested);
+}
+
+void MibrelCommands::addViewMenu(QMainWindow& window) {
+    QMenu* view = window.menuBar()->addMenu(QStringLiteral("&View"));
+    auto& shell = m_app.shellUI();
+    m_inspectorToggle = projectAction(addAction(view, QString(), QKeySequence(QStringLiteral("Alt+Ctrl+I"))));
+    m_inspectorToggle->setIcon(iconForSymbol("sidebar.right"));
+    connect(m_inspectorToggle, &QAction::triggered, &shell,
+            [&shell] { shell.setInspectorVisible(!shell.isInspectorVisible()); });
+    view->addSeparator();
+    int position = 1;
+    for (MibrelTool tool : platform::allCases<MibrelTool>()) {
+        QAction* action = projectAction(addAction(view, qs(title(tool))));
+        action->setIcon(iconForSymbol(symbol(tool)));
+        if (position <= 9) action->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(position)));
+        connect(action, &QAction::triggered, &shell, [&shell, tool] { shell.setSelectedTool(tool); });
+        ++position;
+    }
+}
+
+void MibrelCommands::refresh() {
+    const bool hasProject = m_app.session().hasProject();
+    for (QAction* action : m_projectActions) {
+        action->setEnabled(hasProject && !action->property("mibrelUnavailable").toBool());
+    }
+    m_inspectorToggle->setText(m_app.shellUI().isInspectorVisible() ? QStringLiteral("Hide Inspector")
+                                                                    : QStringLiteral("Show Inspector"));
+}
+
+} // namespace mibrel

@@ -1,0 +1,94 @@
+#include "MibrelMac/Views/MibrelQtPanels.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QStandardPaths>
+#include <QUrl>
+
+namespace mibrel {
+namespace {
+
+QString qs(const std::string& text) { return QString::fromStdString(text); }
+
+bool isProjectPackage(const QString& folder) { return folder.endsWith(QStringLiteral(".mvibrl")); }
+
+// The desktop's file dialogs show a project package as a folder to walk into. Entering
+// one means choosing it, which is how a package is picked here.
+void acceptPackagesOnEntry(QFileDialog& dialog, std::optional<std::filesystem::path>& chosen, bool confirmReplace) {
+    QObject::connect(&dialog, &QFileDialog::directoryEntered, &dialog, [&dialog, &chosen, confirmReplace](const QString& folder) {
+        if (!isProjectPackage(folder)) return;
+        if (confirmReplace &&
+            QMessageBox::question(&dialog, dialog.windowTitle(),
+                                  QStringLiteral("“%1” already exists. Do you want to replace it?")
+                                      .arg(QDir(folder).dirName())) != QMessageBox::Yes) {
+            dialog.setDirectory(QDir(folder).absoluteFilePath(QStringLiteral("..")));
+            return;
+        }
+        chosen = folder.toStdString();
+        static_cast<QDialog&>(dialog).done(QDialog::Accepted);
+    });
+}
+
+void addMessage(QFileDialog& dialog, const std::string& message) {
+    if (message.empty()) return;
+    auto* grid = qobject_cast<QGridLayout*>(dialog.layout());
+    if (!grid) return;
+    auto* label = new QLabel(qs(message), &dialog);
+    label->setWordWrap(true);
+    grid->addWidget(label, grid->rowCount(), 0, 1, grid->columnCount());
+}
+
+QString startFolder() {
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QDir(documents).exists() ? documents : QDir::homePath();
+}
+
+std::optional<std::filesystem::path> run(QFileDialog& dialog, std::optional<std::filesystem::path>& chosen) {
+    if (dialog.exec() != QDialog::Accepted) return std::nullopt;
+    if (chosen) return chosen;
+    const QStringList files = dialog.selectedFiles();
+    if (files.isEmpty()) return std::nullopt;
+    return files.first().toStdString();
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> MibrelQtPanels::runSavePanel(const MibrelSavePanelRequest& request) {
+    QFileDialog dialog(m_parent, qs(request.title), startFolder());
+    dialog.setOption(QFileDialog::DontUseNativeDialog); // keeps the message and package handling
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.selectFile(qs(request.suggestedName));
+    addMessage(dialog, request.message);
+    std::optional<std::filesystem::path> chosen;
+    acceptPackagesOnEntry(dialog, chosen, true);
+    return run(dialog, chosen);
+}
+
+std::optional<std::filesystem::path> MibrelQtPanels::runOpenPanel(const MibrelOpenPanelRequest& request) {
+    QFileDialog dialog(m_parent, qs(request.title), startFolder());
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setFileMode(request.canChooseFiles ? QFileDialog::ExistingFile : QFileDialog::Directory);
+    std::optional<std::filesystem::path> chosen;
+    if (request.canChooseDirectories) acceptPackagesOnEntry(dialog, chosen, false);
+    return run(dialog, chosen);
+}
+
+void MibrelQtPanels::revealInFileManager(const std::filesystem::path& location) {
+    QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(location.parent_path().string())));
+}
+
+void MibrelQtPanels::copyToClipboard(const std::string& html, const std::string& plainText) {
+    auto* data = new QMimeData;
+    data->setHtml(qs(html));
+    data->setText(qs(plainText));
+    QApplication::clipboard()->setMimeData(data);
+}
+
+} // namespace mibrel

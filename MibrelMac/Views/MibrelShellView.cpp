@@ -1,0 +1,257 @@
+#include "MibrelMac/Views/MibrelShellView.h"
+
+#include <string_view>
+
+#include <QFont>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include "MibrelMac/State/MibrelShellUIState.h"
+#include "MibrelMac/State/MibrelSourcesState.h"
+#include "MibrelMac/State/MibrelTool.h"
+#include "MibrelMac/Views/MibrelToolIcons.h"
+#include "Platform/Foundation/EnumRawValues.h"
+
+namespace mibrel {
+namespace {
+
+constexpr auto tools = platform::allCases<MibrelTool>();
+
+// Colours come from the palette so the shell follows light, dark and high-contrast
+// styles; the sheet only rounds and spaces the rows and thins the column dividers.
+const char* const shellStyleSheet = R"(
+QSplitter#shellSplitter::handle { background: palette(mid); }
+QListWidget#shellToolList, QListWidget#shellSourceList { background: transparent; border: none; outline: 0; }
+QListWidget#shellToolList::item, QListWidget#shellSourceList::item { padding: 5px 8px; border-radius: 6px; }
+QListWidget#shellToolList::item:selected { background: palette(highlight); color: palette(highlighted-text); }
+)";
+
+QString qtText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
+
+const char* toolSummary(MibrelTool tool) {
+    switch (tool) {
+    case MibrelTool::sources: return "Your transcripts, recordings and responses.";
+    case MibrelTool::firstRead: return "Frame the study and note first impressions.";
+    case MibrelTool::contextualLens: return "Read each source in the light of its setting and circumstances.";
+    case MibrelTool::coding: return "Read closely and mark passages with codes.";
+    case MibrelTool::codebook: return "Define, group and refine your codes.";
+    case MibrelTool::analysis: return "Look across sources and codes for patterns.";
+    case MibrelTool::themes: return "Build themes from the codes that belong together.";
+    case MibrelTool::evidence: return "Gather the quotes that support each theme.";
+    case MibrelTool::assist: return "Suggestions to weigh against your own reading.";
+    case MibrelTool::trustworthiness: return "Keep the audit trail and check the work holds up.";
+    case MibrelTool::report: return "Draft and export the account of your findings.";
+    }
+    return "";
+}
+
+QLabel* makeLabel(const QString& text, QWidget* parent, qreal scale = 1.0, QFont::Weight weight = QFont::Normal) {
+    auto* label = new QLabel(text, parent);
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * scale);
+    font.setWeight(weight);
+    label->setFont(font);
+    return label;
+}
+
+// Quieter than body text, so headers and hints never compete with the content.
+QLabel* makeSecondaryLabel(const QString& text, QWidget* parent, qreal scale = 1.0,
+                           QFont::Weight weight = QFont::Normal) {
+    QLabel* label = makeLabel(text, parent, scale, weight);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    label->setWordWrap(true);
+    return label;
+}
+
+QLabel* makeSectionHeader(const QString& text, QWidget* parent) {
+    QLabel* header = makeSecondaryLabel(text, parent, 0.9, QFont::DemiBold);
+    header->setContentsMargins(8, 0, 0, 2);
+    return header;
+}
+
+QListWidget* makeToolList(QWidget* parent) {
+    auto* list = new QListWidget(parent);
+    list->setObjectName(QStringLiteral("shellToolList"));
+    list->setIconSize(QSize(18, 18));
+    list->setUniformItemSizes(true);
+    list->setSpacing(1);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    for (MibrelTool tool : tools) {
+        list->addItem(new QListWidgetItem(iconForSymbol(symbol(tool)), qtText(title(tool))));
+    }
+    return list;
+}
+
+// The whole workflow stays in view: the list is as tall as its rows, and the sources
+// below take whatever height is left.
+void fitToRows(QListWidget* list) {
+    list->ensurePolished();
+    const int rows = list->count();
+    const int height = list->sizeHintForRow(0) * rows + 2 * list->spacing() * rows + 2 * list->frameWidth();
+    list->setFixedHeight(height);
+}
+
+QWidget* makeSourcesEmptyState(QWidget* parent) {
+    auto* empty = new QWidget(parent);
+    empty->setObjectName(QStringLiteral("shellSourcesEmpty"));
+    auto* layout = new QVBoxLayout(empty);
+    layout->setContentsMargins(8, 4, 8, 4);
+    layout->setSpacing(4);
+    layout->addWidget(makeLabel(QStringLiteral("No sources yet"), empty, 1.0, QFont::DemiBold));
+    layout->addWidget(makeSecondaryLabel(
+        QStringLiteral("Import transcripts, audio, documents, or open-ended responses."), empty, 0.95));
+    return empty;
+}
+
+QWidget* makeToolPage(MibrelTool tool, QWidget* parent) {
+    auto* page = new QWidget(parent);
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(40, 32, 40, 32);
+    layout->setSpacing(6);
+    QLabel* heading = makeLabel(qtText(title(tool)), page, 1.7, QFont::DemiBold);
+    heading->setObjectName(QStringLiteral("shellToolPageTitle"));
+    layout->addWidget(heading);
+    layout->addWidget(makeSecondaryLabel(QString::fromUtf8(toolSummary(tool)), page, 1.1));
+    layout->addStretch();
+    return page;
+}
+
+QWidget* makeInspectorPanel(MibrelTool tool, QWidget* parent) {
+    auto* panel = new QWidget(parent);
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(16, 16, 16, 16);
+    layout->setSpacing(4);
+    QLabel* header = makeSecondaryLabel(QStringLiteral("Inspector"), panel, 0.9, QFont::DemiBold);
+    layout->addWidget(header);
+    QLabel* heading = makeLabel(qtText(title(tool)), panel, 1.15, QFont::DemiBold);
+    heading->setObjectName(QStringLiteral("shellInspectorTitle"));
+    layout->addWidget(heading);
+    layout->addSpacing(8);
+    layout->addWidget(makeSecondaryLabel(QStringLiteral("Details of what you select appear here."), panel));
+    layout->addStretch();
+    return panel;
+}
+
+QStackedWidget* makeStack(const QString& name, QPalette::ColorRole background,
+                          QWidget* (*makePage)(MibrelTool, QWidget*), QWidget* parent) {
+    auto* stack = new QStackedWidget(parent);
+    stack->setObjectName(name);
+    stack->setBackgroundRole(background);
+    stack->setAutoFillBackground(true);
+    for (MibrelTool tool : tools) stack->addWidget(makePage(tool, stack));
+    return stack;
+}
+
+void fillSources(QListWidget* list, QWidget* emptyState, const MibrelSourcesState& state) {
+    list->clear();
+    for (const TeskSource& source : state.sources()) {
+        // A label erased by hand in the file would otherwise leave an invisible row.
+        const bool unnamed = source.label.find_first_not_of(" \t\r\n") == std::string::npos;
+        auto* item = new QListWidgetItem(iconForSymbol("doc.text"),
+                                         unnamed ? QStringLiteral("Untitled source") : qtText(source.label), list);
+        if (state.selectedSourceID() == source.id) {
+            QFont font = item->font();
+            font.setWeight(QFont::DemiBold);
+            item->setFont(font);
+        }
+    }
+    const bool hasSources = list->count() > 0;
+    list->setVisible(hasSources);
+    emptyState->setVisible(!hasSources);
+}
+
+} // namespace
+
+struct MibrelShellView::Parts {
+    QSplitter* splitter = nullptr;
+    QListWidget* toolList = nullptr;
+    QListWidget* sourceList = nullptr;
+    QWidget* sourcesEmpty = nullptr;
+    QStackedWidget* toolPages = nullptr;
+    QStackedWidget* inspector = nullptr;
+};
+
+MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesState& sourcesState,
+                                 MibrelWorkspaceState& workspaceState, MibrelShellUIState& shellUI, QWidget* parent)
+    : QWidget(parent), m_parts(std::make_unique<Parts>()), m_session(session), m_sourcesState(sourcesState),
+      m_workspaceState(workspaceState), m_shellUI(shellUI) {
+    Parts& parts = *m_parts;
+    setStyleSheet(QString::fromUtf8(shellStyleSheet));
+
+    auto* sidebar = new QWidget(this);
+    sidebar->setObjectName(QStringLiteral("shellSidebar"));
+    sidebar->setMinimumWidth(220);
+    auto* sidebarLayout = new QVBoxLayout(sidebar);
+    sidebarLayout->setContentsMargins(10, 14, 10, 12);
+    sidebarLayout->setSpacing(4);
+    sidebarLayout->addWidget(makeSectionHeader(QStringLiteral("Workflow"), sidebar));
+    parts.toolList = makeToolList(sidebar);
+    sidebarLayout->addWidget(parts.toolList);
+    sidebarLayout->addSpacing(14);
+    sidebarLayout->addWidget(makeSectionHeader(QStringLiteral("Sources"), sidebar));
+    // The filter field and the current source's strip will sit here, above the list.
+    parts.sourceList = new QListWidget(sidebar);
+    parts.sourceList->setObjectName(QStringLiteral("shellSourceList"));
+    parts.sourceList->setSelectionMode(QAbstractItemView::NoSelection);
+    parts.sourceList->setIconSize(QSize(16, 16));
+    // Long labels end in an ellipsis rather than scrolling the sidebar sideways.
+    parts.sourceList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    parts.sourceList->setTextElideMode(Qt::ElideRight);
+    sidebarLayout->addWidget(parts.sourceList, 1);
+    parts.sourcesEmpty = makeSourcesEmptyState(sidebar);
+    sidebarLayout->addWidget(parts.sourcesEmpty);
+    sidebarLayout->addStretch();
+
+    parts.toolPages = makeStack(QStringLiteral("shellToolPages"), QPalette::Base, makeToolPage, this);
+    parts.toolPages->setMinimumWidth(320);
+    parts.inspector = makeStack(QStringLiteral("shellInspector"), QPalette::Window, makeInspectorPanel, this);
+    parts.inspector->setMinimumWidth(220);
+
+    parts.splitter = new QSplitter(Qt::Horizontal, this);
+    parts.splitter->setObjectName(QStringLiteral("shellSplitter"));
+    parts.splitter->setHandleWidth(1);
+    parts.splitter->setChildrenCollapsible(false);
+    parts.splitter->addWidget(sidebar);
+    parts.splitter->addWidget(parts.toolPages);
+    parts.splitter->addWidget(parts.inspector);
+    // Extra width goes to the tool's page; the side columns keep the size the user gave them.
+    parts.splitter->setStretchFactor(0, 0);
+    parts.splitter->setStretchFactor(1, 1);
+    parts.splitter->setStretchFactor(2, 0);
+    parts.splitter->setSizes({270, 640, 270});
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(parts.splitter);
+    fitToRows(parts.toolList);
+
+    const auto showSelectedTool = [this] {
+        const int index = static_cast<int>(m_shellUI.selectedTool());
+        {
+            // Only the user's choice should reach the state; this is the state reaching the list.
+            const QSignalBlocker blocker(m_parts->toolList);
+            m_parts->toolList->setCurrentRow(index);
+        }
+        m_parts->toolPages->setCurrentIndex(index);
+        m_parts->inspector->setCurrentIndex(index);
+    };
+    const auto showInspector = [this] { m_parts->inspector->setVisible(m_shellUI.isInspectorVisible()); };
+    const auto showSources = [this] { fillSources(m_parts->sourceList, m_parts->sourcesEmpty, m_sourcesState); };
+
+    connect(parts.toolList, &QListWidget::currentRowChanged, this, [this](int row) {
+        if (row >= 0 && row < static_cast<int>(tools.size())) m_shellUI.setSelectedTool(tools[static_cast<std::size_t>(row)]);
+    });
+    connect(&m_shellUI, &MibrelShellUIState::selectedToolChanged, this, showSelectedTool);
+    connect(&m_shellUI, &MibrelShellUIState::inspectorVisibilityChanged, this, showInspector);
+    connect(&m_sourcesState, &MibrelSourcesState::sourcesChanged, this, showSources);
+    showSelectedTool();
+    showInspector();
+    showSources();
+}
+
+MibrelShellView::~MibrelShellView() = default;
+
+} // namespace mibrel
