@@ -3,9 +3,13 @@
 #include <array>
 
 #include <QApplication>
+#include <QFile>
 #include <QPainter>
 #include <QPixmap>
 #include <QStyle>
+
+// Resources built into a static library must be registered by name before first use.
+static void registerIconResources() { Q_INIT_RESOURCE(MibrelIcons); }
 
 namespace mibrel {
 namespace {
@@ -72,6 +76,11 @@ QIcon styleIcon(QStyle::StandardPixmap which) {
 } // namespace
 
 QIcon iconForSymbol(std::string_view symbol) {
+    static const bool registered = (registerIconResources(), true);
+    (void)registered;
+    // The program's own drawings come first, so the tools look alike on every desktop.
+    const QString bundled = QStringLiteral(":/icons/%1.svg").arg(QString::fromUtf8(symbol.data(), static_cast<qsizetype>(symbol.size())));
+    if (QFile::exists(bundled)) return QIcon(bundled);
     const IconChoice* choice = choiceFor(symbol);
     if (!choice) return styleIcon(QStyle::SP_FileIcon);
     for (const char* name : choice->themeNames) {
