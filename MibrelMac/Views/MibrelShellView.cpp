@@ -14,6 +14,7 @@
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelTool.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
+#include "MibrelMac/Views/MibrelTypography.h"
 #include "Platform/Foundation/EnumRawValues.h"
 
 namespace mibrel {
@@ -50,21 +51,12 @@ const char* toolSummary(MibrelTool tool) {
 }
 
 QLabel* makeLabel(const QString& text, QWidget* parent, qreal scale = 1.0, QFont::Weight weight = QFont::Normal) {
-    auto* label = new QLabel(text, parent);
-    QFont font = label->font();
-    font.setPointSizeF(font.pointSizeF() * scale);
-    font.setWeight(weight);
-    label->setFont(font);
-    return label;
+    return MibrelTypography::makeLabel(text, MibrelTypography::scaledFont(parent->font(), scale, weight), false, parent);
 }
 
-// Quieter than body text, so headers and hints never compete with the content.
 QLabel* makeSecondaryLabel(const QString& text, QWidget* parent, qreal scale = 1.0,
                            QFont::Weight weight = QFont::Normal) {
-    QLabel* label = makeLabel(text, parent, scale, weight);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    label->setWordWrap(true);
-    return label;
+    return MibrelTypography::makeLabel(text, MibrelTypography::scaledFont(parent->font(), scale, weight), true, parent);
 }
 
 QLabel* makeSectionHeader(const QString& text, QWidget* parent) {

@@ -28,10 +28,14 @@
 #include "MibrelMac/State/MibrelDataFiles.h"
 #include "MibrelMac/State/MibrelProjectSession.h"
 #include "MibrelMac/State/MibrelRecentProjectsStore.h"
+#include "MibrelMac/Views/MibrelTypography.h"
 #include "Platform/Files/FileSystem.h"
 
 namespace mibrel {
 namespace {
+
+using MibrelTypography::makeLabel;
+using MibrelTypography::scaledFont;
 
 constexpr int kSideColumnWidth = 300;
 constexpr int kMainColumnWidth = 520;
@@ -47,22 +51,6 @@ QColor blend(const QColor& from, const QColor& to, double amount) {
 QColor withAlpha(QColor color, double alpha) {
     color.setAlphaF(static_cast<float>(alpha));
     return color;
-}
-
-QFont scaledFont(QFont font, double factor, QFont::Weight weight = QFont::Normal) {
-    if (font.pointSizeF() > 0) font.setPointSizeF(font.pointSizeF() * factor);
-    else font.setPixelSize(static_cast<int>(font.pixelSize() * factor));
-    font.setWeight(weight);
-    return font;
-}
-
-QLabel* makeLabel(const QString& text, const QFont& font, bool secondary, QWidget* parent = nullptr) {
-    auto* label = new QLabel(text, parent);
-    label->setFont(font);
-    label->setWordWrap(true);
-    // The theme's muted text colour, looked up when painting rather than copied now.
-    if (secondary) label->setForegroundRole(QPalette::PlaceholderText);
-    return label;
 }
 
 QString toQString(const std::filesystem::path& path) { return QString::fromStdString(path.string()); }

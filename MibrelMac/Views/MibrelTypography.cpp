@@ -1,0 +1,26 @@
+#include "MibrelMac/Views/MibrelTypography.h"
+
+#include <QLabel>
+
+namespace mibrel::MibrelTypography {
+
+QFont scaledFont(QFont font, double factor, QFont::Weight weight) {
+    if (font.pointSizeF() > 0) {
+        font.setPointSizeF(font.pointSizeF() * factor);
+    } else {
+        font.setPixelSize(static_cast<int>(font.pixelSize() * factor));
+    }
+    font.setWeight(weight);
+    return font;
+}
+
+QLabel* makeLabel(const QString& text, const QFont& font, bool secondary, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setFont(font);
+    label->setWordWrap(true);
+    // The palette role, not a copied colour, so a theme change while open is followed.
+    if (secondary) label->setForegroundRole(QPalette::PlaceholderText);
+    return label;
+}
+
+} // namespace mibrel::MibrelTypography
