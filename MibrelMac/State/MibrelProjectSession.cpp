@@ -99,4 +99,28 @@ void MibrelProjectSession::save() {
 
 void MibrelProjectSession::close() { setProject(std::nullopt, std::nullopt); }
 
+void MibrelProjectSession::exportHandoff() {
+    runExport(m_handoffExporter, "Send to Kessil Bench",
+              "Kessil Bench opens this bundle and imports your coded qual strand.", ".mvibrl-handoff");
+}
+
+void MibrelProjectSession::exportFindingsPacket() {
+    runExport(m_findingsPacketExporter, "Export Presentation Packet",
+              "A .zvk packet opens in Orvane Deck on iPad with your themes, quotes, and trustworthiness summary.",
+              ".zvk");
+}
+
+void MibrelProjectSession::runExport(const Exporter& exporter, const std::string& title, const std::string& message,
+                                     const std::string& extension) {
+    if (!hasProject() || !exporter) return;
+    const auto output = m_panels.runSavePanel({title, message, m_projectURL->stem().string() + extension});
+    if (!output) return;
+    try {
+        exporter(*output, *m_projectURL, m_manifest->title, m_manifest->appVersion);
+        m_panels.revealInFileManager(*output);
+    } catch (const std::exception& error) {
+        setLastError(error.what());
+    }
+}
+
 } // namespace mibrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -49,6 +50,17 @@ public:
     void save();
     void close();
 
+    // Writes an export of the open project to `output`; throws what goes wrong.
+    using Exporter = std::function<void(const std::filesystem::path& output, const std::filesystem::path& projectURL,
+                                        const std::string& title, const std::string& appVersion)>;
+    void setHandoffExporter(Exporter exporter) { m_handoffExporter = std::move(exporter); }
+    void setFindingsPacketExporter(Exporter exporter) { m_findingsPacketExporter = std::move(exporter); }
+    bool canExport() const { return m_handoffExporter && m_findingsPacketExporter; }
+
+    // Save dialog, then the export, then the result shown in the file manager.
+    void exportHandoff();
+    void exportFindingsPacket();
+
 signals:
     void projectURLChanged();
     void manifestChanged();
@@ -58,6 +70,8 @@ private:
     // Creates the project the dialog chose and opens it; returns false after publishing an error.
     bool createAndOpen(const std::filesystem::path& chosen);
     void setProject(std::optional<std::filesystem::path> url, std::optional<TeskProjectManifest> manifest);
+    void runExport(const Exporter& exporter, const std::string& title, const std::string& message,
+                   const std::string& extension);
 
     MibrelPanels& m_panels;
     QSettings& m_settings;
@@ -65,6 +79,8 @@ private:
     std::optional<TeskProjectManifest> m_manifest;
     std::optional<std::string> m_lastError;
     std::optional<std::filesystem::path> m_pendingDataImport;
+    Exporter m_handoffExporter;
+    Exporter m_findingsPacketExporter;
 };
 
 } // namespace mibrel

@@ -67,10 +67,17 @@ void MibrelCommands::addFileMenu(QMainWindow& window) {
         m_importActions.push_back(projectAction(unavailable(action)));
     }
     file->addSeparator();
-    projectAction(unavailable(addAction(file, QStringLiteral("Send to Kessil Bench…"))))
-        ->setIcon(iconForSymbol("arrow.up.forward.app"));
-    projectAction(unavailable(addAction(file, QStringLiteral("Export Presentation Packet…"))))
-        ->setIcon(iconForSymbol("shippingbox"));
+    QAction* handoff = projectAction(addAction(file, QStringLiteral("Send to Kessil Bench…")));
+    handoff->setIcon(iconForSymbol("arrow.up.forward.app"));
+    connect(handoff, &QAction::triggered, &session, &MibrelProjectSession::exportHandoff);
+    QAction* packet = projectAction(addAction(file, QStringLiteral("Export Presentation Packet…")));
+    packet->setIcon(iconForSymbol("shippingbox"));
+    connect(packet, &QAction::triggered, &session, &MibrelProjectSession::exportFindingsPacket);
+    // Available once the program has its exporters.
+    if (!session.canExport()) {
+        unavailable(handoff);
+        unavailable(packet);
+    }
     file->addSeparator();
     connect(addAction(file, QStringLiteral("Quit"), QKeySequence::Quit), &QAction::triggered, &window, &QMainWindow::close);
 }

@@ -1,4 +1,6 @@
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <QSettings>
 #include <gtest/gtest.h>
@@ -126,6 +128,31 @@ TEST_F(MibrelSessionTest, SampleCopiesNeverOverwriteEarlierOnes) {
     MibrelSampleProject::openSample(session, std::nullopt, folder / "Documents", folder.path());
     EXPECT_EQ(session.lastError(),
               "The sample project could not be found in this copy of Mibrel. Reinstalling the app restores it.");
+}
+
+TEST_F(MibrelSessionTest, ExportsAskWhereToWriteThenRevealOrReport) {
+    std::vector<fs::path> written;
+    auto exporter = [&](const fs::path& output, const fs::path&, const std::string& title, const std::string&) {
+        if (title != "Study") throw std::runtime_error("unexpected title");
+        written.push_back(output);
+    };
+    session.setHandoffExporter(exporter);
+    session.setFindingsPacketExporter([](auto&&...) { throw std::runtime_error("The disk is full."); });
+    session.exportHandoff(); // no project: nothing happens
+    EXPECT_TRUE(panels.saveRequests.empty());
+
+    session.open(makeProject("Study.mvibrl"));
+    panels.saveAnswers.push_back(folder / "out.mvibrl-handoff");
+    session.exportHandoff();
+    EXPECT_EQ(panels.saveRequests.back().suggestedName, "Study.mvibrl-handoff");
+    EXPECT_EQ(written, std::vector<fs::path>{folder / "out.mvibrl-handoff"});
+    EXPECT_EQ(panels.revealed, written);
+
+    panels.saveAnswers.push_back(folder / "out.zvk");
+    session.exportFindingsPacket();
+    EXPECT_EQ(panels.saveRequests.back().title, "Export Presentation Packet");
+    EXPECT_EQ(session.lastError(), "The disk is full.");
+    EXPECT_EQ(panels.revealed.size(), 1u);
 }
 
 TEST(MibrelShellUIStateTest, ChangingToolClearsSelectionsButNotTheArmedCodeOrAJump) {
