@@ -42,26 +42,25 @@ TeskWorkspace makeLargeWorkspace(const LargeProjectSize& size, unsigned seed) {
     for (std::size_t i = 0; i < size.sources; ++i) sources.push_back(randomUuid(random));
 
     TeskWorkspace workspace;
-    auto& codes = workspace.codes.mutate();
+    auto& codes = workspace.codes;
     for (std::size_t i = 0; i < size.codes; ++i) {
         TeskCode code{.id = randomUuid(random), .name = "Code " + std::to_string(i), .definition = sentence(random, 20)};
         code.createdAt = moment;
-        codes.push_back(std::move(code));
+        codes.append(std::move(code));
     }
-    auto& applications = workspace.applications.mutate();
-    applications.reserve(size.applications);
+    auto& applications = workspace.applications;
     for (std::size_t i = 0; i < size.applications; ++i) {
         std::optional<std::string> excerpt;
         if (i % 2 == 0) excerpt = sentence(random, 8);
-        applications.push_back(TeskCodeApplication{randomUuid(random), randomRef(random, sources, size.segmentsPerSource),
+        applications.append(TeskCodeApplication{randomUuid(random), randomRef(random, sources, size.segmentsPerSource),
                                                    codes[random() % codes.size()].id, std::move(excerpt), "", moment});
     }
-    auto& quotes = workspace.quotes.mutate();
+    auto& quotes = workspace.quotes;
     for (std::size_t i = 0; i < size.quotes; ++i) {
         TeskQuote quote{.id = randomUuid(random), .response = randomRef(random, sources, size.segmentsPerSource),
                         .text = sentence(random, 35), .codeIDs = {codes[random() % codes.size()].id}};
         quote.createdAt = moment;
-        quotes.push_back(std::move(quote));
+        quotes.append(std::move(quote));
     }
     return workspace;
 }

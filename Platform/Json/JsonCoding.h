@@ -179,7 +179,9 @@ template <class T>
 struct JsonCoder<CowArray<T>> {
     static CowArray<T> decode(const JsonNode& node) { return CowArray<T>(JsonCoder<std::vector<T>>::decode(node)); }
     static void encode(JsonWriter& writer, const CowArray<T>& items) {
-        JsonCoder<std::vector<T>>::encode(writer, items.items());
+        writer.startArray();
+        for (const auto& item : items) JsonCoder<T>::encode(writer, item);
+        writer.endArray();
     }
 };
 
