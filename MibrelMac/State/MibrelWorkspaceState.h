@@ -5,15 +5,24 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <QObject>
+#include <QUndoStack>
 
 #include "MibrelCore/Model/TeskWorkspace.h"
+#include "MibrelMac/State/MibrelWorkspaceUndoStep.h"
 
 namespace mibrel {
 
-// The one owner of the open project's workspace. Editing, undo and saving arrive with
-// the editing operations; for now it binds to a project and reads its workspace.
+// The one owner of the open project's workspace. Every edit is one transaction, always in
+// this order: change the value, save the whole document, register an undo step, raise an
+// audit event. There is no save command: a change that returned is on disk, or lastError
+// says why not.
+//
+// While the file on disk cannot be read (loadFailureMessage), nothing is saved, so the
+// damaged file is never overwritten; setting it aside is the way out.
 class MibrelWorkspaceState : public QObject {
     Q_OBJECT
 
@@ -22,32 +31,72 @@ public:
 
     explicit MibrelWorkspaceState(QObject* parent = nullptr);
 
-    // Reads the project's workspace; an unreadable file is reported in loadFailureMessage
-    // and leaves an empty workspace that is never written over it.
     void bind(const std::optional<std::filesystem::path>& projectURL);
+    // Saves the whole workspace; views that edit fields directly call it after each change.
+    void persist();
+    void setAsideDamagedWorkspaceAndContinue();
+
+    // Changes fields edited directly (notes, the study frame), then saves; no undo step, no event.
+    void editDirectly(const std::function<void(TeskWorkspace&)>& change);
 
     const std::optional<std::filesystem::path>& projectURL() const { return m_projectURL; }
     const TeskWorkspace& workspace() const { return m_workspace; }
     const std::optional<std::string>& loadFailureMessage() const { return m_loadFailureMessage; }
-    std::int64_t undoTick() const { return m_undoTick; }
-
     const std::optional<std::string>& lastError() const { return m_lastError; }
     void setLastError(std::optional<std::string> message);
 
+    // Moves after each registered undo step and each bind, for views showing undo titles.
+    std::int64_t undoTick() const { return m_undoTick; }
+    QUndoStack& undoStack() { return m_undoStack; }
+    void undo() { m_undoStack.undo(); }
+    void redo() { m_undoStack.redo(); }
+    // "Undo Add Code", or "Undo" when there is nothing to undo; likewise for redo.
+    std::string undoTitle() const;
+    std::string redoTitle() const;
+
     // Set by the application after each bind; called after each edit with its audit event.
     AuditHook onAuditEvent;
+
+    const TeskCode* code(const Uuid& id) const;
+    const TeskCategory* category(const Uuid& id) const;
+    const TeskTheme* theme(const Uuid& id) const;
+
+    void addCode(const std::string& name, const std::string& definition);
+    void updateCode(const TeskCode& code);
+    void deleteCode(const Uuid& id);
+    void addCategory(const std::string& name, const std::string& memo, const std::vector<Uuid>& codeIDs);
+    void updateCategory(const TeskCategory& category);
+    void deleteCategory(const Uuid& id);
+    void addTheme(const std::string& name, const std::string& memo, const std::vector<Uuid>& codeIDs);
+    void updateTheme(const TeskTheme& theme);
+    void deleteTheme(const Uuid& id);
 
 signals:
     void workspaceChanged();
     void lastErrorChanged();
     void loadFailureChanged();
+    void undoTickChanged();
 
 private:
+    friend class MibrelWorkspaceUndoStep;
+
+    // One edit. `change` alters the workspace and returns the audit event's detail.
+    void transact(std::string_view actionName, std::string_view event,
+                  const std::function<std::string(TeskWorkspace&)>& change,
+                  UndoTrustworthinessPolicy policy = UndoTrustworthinessPolicy::preserveAll);
+    void registerUndo(std::string_view actionName, TeskWorkspace before, UndoTrustworthinessPolicy policy);
+    void raiseUndoTick();
+    void raiseAuditEvent(std::string_view event, const std::string& detail);
+    // Puts `restored` in place, keeping the trustworthiness record as the policy says, saves,
+    // and returns the value it replaced (what the step must hold to go back again).
+    TeskWorkspace restoreSnapshot(TeskWorkspace restored, UndoTrustworthinessPolicy policy);
+
     std::optional<std::filesystem::path> m_projectURL;
     TeskWorkspace m_workspace;
     std::optional<std::string> m_loadFailureMessage;
     std::optional<std::string> m_lastError;
     std::int64_t m_undoTick = 0;
+    QUndoStack m_undoStack;
 };
 
 } // namespace mibrel
