@@ -1,5 +1,7 @@
 #include "MibrelMac/State/MibrelWorkspaceState.h"
 
+#include "MibrelMac/State/MibrelWorkspaceRecords.h"
+
 #include <algorithm>
 #include <exception>
 
@@ -10,41 +12,8 @@
 #include "Platform/Text/Text.h"
 
 namespace mibrel {
-namespace {
 
-template <class Record>
-const Record* firstWithID(const CowArray<Record>& records, const Uuid& id) {
-    const auto found = std::find_if(records.begin(), records.end(), [&](const Record& r) { return r.id == id; });
-    return found == records.end() ? nullptr : &*found;
-}
-
-// Replaces the record with the same id; false when there is none.
-template <class Record>
-bool replaceByID(CowArray<Record>& records, const Record& record) {
-    const auto found = std::find_if(records.begin(), records.end(), [&](const Record& r) { return r.id == record.id; });
-    if (found == records.end()) return false;
-    records.replace(static_cast<std::size_t>(found - records.begin()), record);
-    return true;
-}
-
-// Removes `id` from one id list of every record that holds it; the records stay.
-template <class Record>
-void unlinkID(CowArray<Record>& records, std::vector<Uuid> Record::*ids, const Uuid& id) {
-    records.updateEach([&](const Record& record) -> std::optional<Record> {
-        const auto& list = record.*ids;
-        if (std::find(list.begin(), list.end(), id) == list.end()) return std::nullopt;
-        Record changed = record;
-        std::erase(changed.*ids, id);
-        return changed;
-    });
-}
-
-template <class Record>
-std::string nameOf(const Record* record) {
-    return record ? record->name : std::string();
-}
-
-} // namespace
+using namespace MibrelWorkspaceRecords;
 
 MibrelWorkspaceState::MibrelWorkspaceState(QObject* parent) : QObject(parent) {}
 
@@ -143,7 +112,7 @@ void MibrelWorkspaceState::raiseUndoTick() {
 }
 
 void MibrelWorkspaceState::raiseAuditEvent(std::string_view event, const std::string& detail) {
-    if (onAuditEvent) onAuditEvent(std::string(event), detail);
+    if (onAuditEvent && !event.empty()) onAuditEvent(std::string(event), detail);
 }
 
 TeskWorkspace MibrelWorkspaceState::restoreSnapshot(TeskWorkspace restored, UndoTrustworthinessPolicy policy) {

@@ -71,6 +71,42 @@ public:
     void updateTheme(const TeskTheme& theme);
     void deleteTheme(const Uuid& id);
 
+    // Evidence. Applying a code is idempotent per segment and code; pinning the same text of
+    // a segment again merges into the existing quote. Matching is by TeskResponseRef::key().
+    Uuid addApplication(const TeskResponseRef& response, const Uuid& codeID, std::optional<std::string> excerpt,
+                        const std::string& memo);
+    void deleteApplication(const Uuid& id);
+    std::optional<Uuid> addQuote(const TeskResponseRef& response, const std::string& text,
+                                 const std::vector<Uuid>& codeIDs, const std::vector<Uuid>& themeIDs,
+                                 const std::string& memo, const std::string& rationale,
+                                 std::optional<TeskQuoteRole> role);
+    void updateQuote(const TeskQuote& quote);
+    void deleteQuote(const Uuid& id);
+    Uuid addContextualLensReview(std::optional<Uuid> codeID, std::optional<Uuid> themeID);
+    void updateContextualLensReview(TeskContextualLensReview review);
+    void deleteContextualLensReview(const Uuid& id);
+    void addMemberCheck(TeskMemberCheck check);
+
+    // The report: at most one saved section per kind; findings stage themes.
+    Uuid saveReportSection(TeskReportSection section);
+    void updateReportSection(TeskReportSection section);
+    void removeReportSection(const Uuid& id);
+    void moveReportSection(const Uuid& id, bool up);
+    std::optional<Uuid> stageThemeForReport(const Uuid& themeID);
+    void updateReportFinding(const TeskReportFinding& finding);
+    void removeReportFinding(const Uuid& id);
+    void moveReportFinding(const Uuid& id, bool up);
+    // The editor's document, kept as one opaque value; the editor has its own undo.
+    void updateReportDraft(std::optional<Bytes> draft);
+
+    std::vector<TeskCodeApplication> applications(const TeskResponseRef& response) const;
+    std::vector<TeskCodeApplication> applicationsForSource(const Uuid& sourceID) const;
+    std::vector<TeskQuote> quotes(const TeskResponseRef& response) const;
+    // The themes, in order, that reach any of the codes directly or through a category.
+    std::vector<Uuid> themeIDs(const std::vector<Uuid>& codeIDs) const;
+    const TeskReportFinding* reportFinding(const Uuid& themeID) const;
+    bool hasReportDraft() const;
+
 signals:
     void workspaceChanged();
     void lastErrorChanged();
@@ -80,7 +116,8 @@ signals:
 private:
     friend class MibrelWorkspaceUndoStep;
 
-    // One edit. `change` alters the workspace and returns the audit event's detail.
+    // One edit. `change` alters the workspace and returns the audit event's detail; an empty
+    // event name means the edit is not logged.
     void transact(std::string_view actionName, std::string_view event,
                   const std::function<std::string(TeskWorkspace&)>& change,
                   UndoTrustworthinessPolicy policy = UndoTrustworthinessPolicy::preserveAll);
