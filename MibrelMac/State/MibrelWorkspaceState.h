@@ -53,6 +53,8 @@ public:
     // "Undo Add Code", or "Undo" when there is nothing to undo; likewise for redo.
     std::string undoTitle() const;
     std::string redoTitle() const;
+    bool canUndo() const { return m_undoStack.canUndo(); }
+    bool canRedo() const { return m_undoStack.canRedo(); }
 
     // Set by the application after each bind; called after each edit with its audit event.
     AuditHook onAuditEvent;

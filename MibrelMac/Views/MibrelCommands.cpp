@@ -5,6 +5,7 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QUndoStack>
 
 #include "MibrelMac/App/MibrelApp.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
@@ -84,8 +85,13 @@ void MibrelCommands::addFileMenu(QMainWindow& window) {
 
 void MibrelCommands::addEditMenu(QMainWindow& window) {
     QMenu* edit = window.menuBar()->addMenu(QStringLiteral("&Edit"));
-    unavailable(addAction(edit, QStringLiteral("Undo"), QKeySequence(QStringLiteral("Ctrl+Z"))));
-    unavailable(addAction(edit, QStringLiteral("Redo"), QKeySequence(QStringLiteral("Shift+Ctrl+Z"))));
+    auto& workspace = m_app.workspaceState();
+    m_undo = addAction(edit, QStringLiteral("Undo"), QKeySequence(QStringLiteral("Ctrl+Z")));
+    m_redo = addAction(edit, QStringLiteral("Redo"), QKeySequence(QStringLiteral("Shift+Ctrl+Z")));
+    connect(m_undo, &QAction::triggered, &workspace, &MibrelWorkspaceState::undo);
+    connect(m_redo, &QAction::triggered, &workspace, &MibrelWorkspaceState::redo);
+    connect(&workspace.undoStack(), &QUndoStack::indexChanged, this, &MibrelCommands::refresh);
+    connect(&workspace, &MibrelWorkspaceState::undoTickChanged, this, &MibrelCommands::refresh);
     edit->addSeparator();
     projectAction(unavailable(
         addAction(edit, QStringLiteral("Copy Transcript for Word"), QKeySequence(QStringLiteral("Alt+Ctrl+C")))));
@@ -117,6 +123,11 @@ void MibrelCommands::refresh() {
     for (QAction* action : m_projectActions) {
         action->setEnabled(hasProject && !action->property("mibrelUnavailable").toBool());
     }
+    const auto& workspace = m_app.workspaceState();
+    m_undo->setText(QString::fromStdString(workspace.undoTitle()));
+    m_undo->setEnabled(workspace.canUndo());
+    m_redo->setText(QString::fromStdString(workspace.redoTitle()));
+    m_redo->setEnabled(workspace.canRedo());
     m_inspectorToggle->setText(m_app.shellUI().isInspectorVisible() ? QStringLiteral("Hide Inspector")
                                                                     : QStringLiteral("Show Inspector"));
 }

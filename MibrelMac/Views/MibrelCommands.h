@@ -38,6 +38,8 @@ private:
     std::vector<QAction*> m_projectActions; // enabled only with a project open
     std::vector<QAction*> m_importActions;
     QAction* m_inspectorToggle = nullptr;
+    QAction* m_undo = nullptr;
+    QAction* m_redo = nullptr;
 };
 
 } // namespace mibrel
