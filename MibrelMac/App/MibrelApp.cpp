@@ -4,7 +4,7 @@
 
 #include <QUrlQuery>
 
-#include "MibrelCore/Audit/TeskAuditTrail.h"
+#include "MibrelMac/App/MibrelAuditHook.h"
 #include "MibrelMac/App/MibrelLaunchArguments.h"
 #include "MibrelMac/State/MibrelDataFiles.h"
 
@@ -57,14 +57,7 @@ void MibrelApp::projectDidChange() {
     const auto projectURL = m_session.projectURL();
     m_sourcesState.bind(projectURL);
     m_workspaceState.bind(projectURL);
-    m_workspaceState.onAuditEvent = [this, projectURL](const std::string& event, const std::string& detail) {
-        if (!projectURL) return;
-        try {
-            TeskAuditTrail::append(event, detail, *projectURL);
-        } catch (const std::exception& error) {
-            m_workspaceState.setLastError(std::string("The audit trail could not be updated: ") + error.what());
-        }
-    };
+    m_workspaceState.onAuditEvent = auditTrailHook(m_workspaceState, projectURL);
     if (projectURL) {
         if (auto dataFile = m_session.takePendingDataImport()) dispatchDataImport(*dataFile);
     }

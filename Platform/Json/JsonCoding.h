@@ -204,6 +204,14 @@ std::string encode(const T& value) {
     return writer.take();
 }
 
+// The whole document on one line, keys sorted as in files.
+template <class T>
+std::string encodeCompact(const T& value) {
+    JsonWriter writer(JsonWriter::Layout::compact);
+    JsonCoder<T>::encode(writer, value);
+    return writer.take();
+}
+
 // Throws DecodingError when the text is not JSON or not a T.
 template <class T>
 T decode(const std::string& text) {

@@ -89,6 +89,7 @@ struct JsonWriter::Impl {
     std::string out;
     std::vector<Level> levels;
     bool valueFollowsKey = false;
+    bool compact = false;
     std::function<void(std::string_view)> sink;
 
     void handOver() {
@@ -98,6 +99,7 @@ struct JsonWriter::Impl {
 
     void newLine() {
         if (sink && out.size() >= kChunkSize) handOver();
+        if (compact) return;
         out += '\n';
         out.append(levels.size() * 2, ' ');
     }
@@ -128,7 +130,7 @@ struct JsonWriter::Impl {
     }
 };
 
-JsonWriter::JsonWriter() : m_impl(std::make_unique<Impl>()) {}
+JsonWriter::JsonWriter(Layout layout) : m_impl(std::make_unique<Impl>()) { m_impl->compact = layout == Layout::compact; }
 
 JsonWriter::JsonWriter(std::function<void(std::string_view)> sink) : m_impl(std::make_unique<Impl>()) {
     m_impl->sink = std::move(sink);
@@ -145,7 +147,7 @@ void JsonWriter::endArray() { m_impl->close(']'); }
 void JsonWriter::key(std::string_view key) {
     m_impl->beginValue();
     appendQuoted(m_impl->out, key);
-    m_impl->out += ": ";
+    m_impl->out += m_impl->compact ? ":" : ": ";
     m_impl->valueFollowsKey = true;
 }
 

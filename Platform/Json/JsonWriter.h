@@ -13,8 +13,11 @@ namespace platform::json {
 // sorted; JsonObjectWriter is the usual way to do that.
 class JsonWriter {
 public:
+    // Pretty: two-space indent, a line per member. Compact: one line, for line-based output.
+    enum class Layout { pretty, compact };
+
     // Keeps the whole text in memory, for text() and take().
-    JsonWriter();
+    explicit JsonWriter(Layout layout = Layout::pretty);
     // Hands the text over in chunks of about a megabyte as it grows, so a large
     // document never sits in memory whole; finish() hands over the rest.
     explicit JsonWriter(std::function<void(std::string_view)> sink);

@@ -1,6 +1,7 @@
 #include "tools/mibrel-cli/MibrelCli.h"
 
 #include <sstream>
+#include <istream>
 #include <string>
 #include <vector>
 
@@ -155,6 +156,46 @@ TEST_F(MibrelCliTest, ProjectInfoCountsWhatItCanAndReportsWhatIsDamaged) {
     EXPECT_NE(run({"project", "info", project}).out.find("\"codes\": 2"), std::string::npos);
 }
 
+TEST_F(MibrelCliTest, EditScriptsRunOperationsWithUndoAndLeaveTheFilesAndAuditLogRight) {
+    const std::string project = createProject();
+    ASSERT_EQ(run({"edit", project, "addCode", R"({"name":"Support","definition":"Help from colleagues"})"}).status,
+              kExitSuccess);
+    const std::string workspace = readText(folder / "study.mvibrl" / "qual" / "workspace.json");
+    const auto idAt = workspace.find("\"id\": \"") + 7;
+    const std::string code = workspace.substr(idAt, 36);
+    const std::string source = "6F9619FF-8B86-D011-B42D-00CF4FC964FF";
+    const std::string reference = R"({"sourceID":")" + source + R"(","segmentID":"s1"})";
+    writeText(folder / "script.jsonl",
+              R"({"op":"addApplication","args":{"response":)" + reference + R"(,"codeID":")" + code + "\"}}\n" +
+                  R"({"op":"addTheme","args":{"name":"Collegial ties","codeIDs":[")" + code + "\"]}}\n\n" +
+                  R"({"op":"deleteCode","args":{"id":")" + code + "\"}}\n" + R"({"op":"undo"})" + "\n" +
+                  R"({"op":"redo"})" + "\n" + R"({"op":"deleteCode","args":{}})" + "\n");
+
+    const CliResult result = run({"edit", project, "--script", (folder / "script.jsonl").string()});
+    ASSERT_EQ(result.status, kExitSuccess) << result.err;
+    std::vector<std::string> lines;
+    std::istringstream output(result.out);
+    for (std::string line; std::getline(output, line);) lines.push_back(line);
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_NE(lines[0].find(R"("ok":true)"), std::string::npos);
+    EXPECT_NE(lines[0].find(R"("undoTitle":"Undo Apply Code")"), std::string::npos);
+    EXPECT_NE(lines[3].find(R"("redoTitle":"Redo Delete Code")"), std::string::npos);
+    EXPECT_NE(lines[5].find(R"("ok":false)"), std::string::npos);
+    EXPECT_NE(lines[5].find("“id”"), std::string::npos);
+
+    // After the redo the code is gone again, with its application, and the theme stays, unlinked.
+    const std::string saved = readText(folder / "study.mvibrl" / "qual" / "workspace.json");
+    EXPECT_EQ(saved.find(code), std::string::npos);
+    EXPECT_NE(saved.find("Collegial ties"), std::string::npos);
+    EXPECT_NE(saved.find("\"applications\": []"), std::string::npos);
+    const std::string audit = readText(folder / "study.mvibrl" / "trustworthiness" / "audit.json");
+    std::vector<std::string> events;
+    for (auto at = audit.find("\"event\": \""); at != std::string::npos; at = audit.find("\"event\": \"", at + 1)) {
+        events.push_back(audit.substr(at + 10, audit.find('"', at + 10) - at - 10));
+    }
+    EXPECT_EQ(events, (std::vector<std::string>{"code_created", "application_added", "theme_created", "code_deleted"}));
+}
+
 TEST(MibrelCliUsage, HelpAtEveryLevelAndUsageErrors) {
     for (const auto& command : std::vector<std::vector<std::string>>{
              {"--help"}, {"project", "--help"}, {"project", "create", "--help"}, {"workspace", "show", "--help"},
@@ -168,6 +209,7 @@ TEST(MibrelCliUsage, HelpAtEveryLevelAndUsageErrors) {
     EXPECT_EQ(run({"frobnicate"}).status, kExitUsage);
     EXPECT_EQ(run({"project", "create"}).status, kExitUsage);
     EXPECT_EQ(run({"audit", "append", "p", "e"}).status, kExitUsage);
+    EXPECT_EQ(run({"edit", "p"}).status, kExitUsage);
 }
 
 } // namespace

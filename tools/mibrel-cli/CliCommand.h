@@ -46,5 +46,6 @@ void addProjectCommands(CLI::App& app, CliContext& context);
 void addWorkspaceCommands(CLI::App& app, CliContext& context);
 void addSourcesCommands(CLI::App& app, CliContext& context);
 void addAuditCommands(CLI::App& app, CliContext& context);
+void addEditCommands(CLI::App& app, CliContext& context);
 
 } // namespace mibrel::cli

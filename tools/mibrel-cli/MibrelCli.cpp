@@ -39,6 +39,7 @@ int runMibrelCli(int argc, const char* const* argv, std::ostream& out, std::ostr
     addWorkspaceCommands(app, context);
     addSourcesCommands(app, context);
     addAuditCommands(app, context);
+    addEditCommands(app, context);
 
     try {
         app.parse(argc, argv);
