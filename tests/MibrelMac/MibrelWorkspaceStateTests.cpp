@@ -120,6 +120,7 @@ TEST_F(MibrelWorkspaceStateTest, DeletingThemesAndCategoriesUnlinksWithoutLosing
         w.quotes.append(TeskQuote{.response = {Uuid::random(), "s1"}, .themeIDs = {theme}});
     });
 
+    const TeskWorkspace before = state.workspace();
     state.deleteCategory(category);
     EXPECT_TRUE(state.workspace().themes[0].categoryIDs.empty());
     state.deleteTheme(theme);
@@ -130,6 +131,10 @@ TEST_F(MibrelWorkspaceStateTest, DeletingThemesAndCategoriesUnlinksWithoutLosing
     EXPECT_FALSE(w.contextualLensReviews[0].themeID);
     EXPECT_EQ(w.contextualLensReviews[0].context, "kept");
     EXPECT_TRUE(w.quotes[0].themeIDs.empty());
+
+    state.undo();
+    state.undo();
+    EXPECT_EQ(state.workspace(), before);
 }
 
 TEST_F(MibrelWorkspaceStateTest, UndoKeepsTrustworthinessNotesButRollsBackTheStudyFrame) {
