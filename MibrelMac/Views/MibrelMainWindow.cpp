@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <QStandardPaths>
 #include <QTimer>
@@ -52,7 +53,34 @@ MibrelMainWindow::MibrelMainWindow(MibrelApp& app, MibrelQtPanels& panels, QSett
         alertWhenSet(QStringLiteral("Save Problem"), workspace.lastError(),
                      [&workspace] { workspace.setLastError(std::nullopt); });
     });
+    connect(&workspace, &MibrelWorkspaceState::loadFailureChanged, this, [this] {
+        if (m_app.workspaceState().loadFailureMessage()) {
+            QTimer::singleShot(0, this, &MibrelMainWindow::askAboutDamagedWorkspace);
+        }
+    });
     showRootContent();
+}
+
+// While the workspace file cannot be read nothing is saved; the researcher must choose a
+// way out, so the dialog has no cancel.
+void MibrelMainWindow::askAboutDamagedWorkspace() {
+    auto& workspace = m_app.workspaceState();
+    if (!workspace.loadFailureMessage()) return;
+    QMessageBox dialog(QMessageBox::Warning, QStringLiteral("This Project Cannot Be Saved"),
+                       QStringLiteral("The workspace file in this project could not be read, so nothing you do here "
+                                      "will be saved. Setting the damaged file aside keeps it in the project's qual "
+                                      "folder and starts a fresh workspace that saves normally.\n\nDetails: %1")
+                           .arg(QString::fromStdString(*workspace.loadFailureMessage())),
+                       QMessageBox::NoButton, this);
+    QPushButton* setAside = dialog.addButton(QStringLiteral("Set Aside Damaged File and Continue"), QMessageBox::AcceptRole);
+    dialog.addButton(QStringLiteral("Close Project"), QMessageBox::DestructiveRole);
+    dialog.setEscapeButton(static_cast<QAbstractButton*>(nullptr));
+    dialog.exec();
+    if (dialog.clickedButton() == setAside) {
+        workspace.setAsideDamagedWorkspaceAndContinue();
+    } else {
+        m_app.session().close();
+    }
 }
 
 void MibrelMainWindow::showRootContent() {

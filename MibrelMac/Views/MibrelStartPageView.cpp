@@ -405,7 +405,7 @@ void MibrelStartPageView::reloadRecents() {
 
     if (groups.today.empty() && groups.earlier.empty()) {
         QLabel* none = makeLabel(tr("No recent projects"), font(), true);
-        none->setContentsMargins(14, 8, 14, 8);
+        none->setContentsMargins(10, 8, 10, 8);
         layout->addWidget(none);
     }
     const std::pair<QString, const std::vector<std::filesystem::path>*> sections[] = {
