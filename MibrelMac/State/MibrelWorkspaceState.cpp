@@ -168,27 +168,15 @@ void MibrelWorkspaceState::addTheme(const std::string& name, const std::string& 
 }
 
 void MibrelWorkspaceState::updateCode(const TeskCode& updated) {
-    if (!code(updated.id)) return;
-    transact("Edit Code", "code_updated", [&](TeskWorkspace& w) {
-        replaceByID(w.codes, updated);
-        return updated.name;
-    });
+    replaceRecord(&TeskWorkspace::codes, updated, "Edit Code", "code_updated", updated.name);
 }
 
 void MibrelWorkspaceState::updateCategory(const TeskCategory& updated) {
-    if (!category(updated.id)) return;
-    transact("Edit Category", "category_updated", [&](TeskWorkspace& w) {
-        replaceByID(w.categories, updated);
-        return updated.name;
-    });
+    replaceRecord(&TeskWorkspace::categories, updated, "Edit Category", "category_updated", updated.name);
 }
 
 void MibrelWorkspaceState::updateTheme(const TeskTheme& updated) {
-    if (!theme(updated.id)) return;
-    transact("Edit Theme", "theme_updated", [&](TeskWorkspace& w) {
-        replaceByID(w.themes, updated);
-        return updated.name;
-    });
+    replaceRecord(&TeskWorkspace::themes, updated, "Edit Theme", "theme_updated", updated.name);
 }
 
 // An unknown id still makes one (empty) step and an event with no detail.

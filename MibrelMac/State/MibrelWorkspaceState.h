@@ -12,6 +12,7 @@
 #include <QUndoStack>
 
 #include "MibrelCore/Model/TeskWorkspace.h"
+#include "MibrelMac/State/MibrelWorkspaceRecords.h"
 #include "MibrelMac/State/MibrelWorkspaceUndoStep.h"
 
 namespace mibrel {
@@ -124,6 +125,41 @@ private:
                   const std::function<std::string(TeskWorkspace&)>& change,
                   UndoTrustworthinessPolicy policy = UndoTrustworthinessPolicy::preserveAll);
     void registerUndo(std::string_view actionName, TeskWorkspace before, UndoTrustworthinessPolicy policy);
+
+    // The shapes most edits share, over one of the workspace's arrays.
+    template <class Record>
+    using Records = CowArray<Record> TeskWorkspace::*;
+
+    // Replaces the record with the same id; an unknown id does nothing at all.
+    template <class Record>
+    void replaceRecord(Records<Record> records, const Record& record, std::string_view actionName,
+                       std::string_view event, const std::string& detail) {
+        if (!MibrelWorkspaceRecords::indexOfID(m_workspace.*records, record.id)) return;
+        transact(actionName, event, [&](TeskWorkspace& w) {
+            MibrelWorkspaceRecords::replaceByID(w.*records, record);
+            return detail;
+        });
+    }
+
+    // Removes every record with the id; an unknown id still makes a step and an event.
+    template <class Record>
+    void removeRecord(Records<Record> records, const Uuid& id, std::string_view actionName, std::string_view event) {
+        transact(actionName, event, [&](TeskWorkspace& w) {
+            (w.*records).removeAll([&](const Record& r) { return r.id == id; });
+            return std::string();
+        });
+    }
+
+    // Swaps the record with its neighbour; at the edge nothing happens, not even a step.
+    template <class Record>
+    void moveRecord(Records<Record> records, const Uuid& id, bool up, std::string_view actionName) {
+        const auto index = MibrelWorkspaceRecords::indexOfID(m_workspace.*records, id);
+        if (!index || (up ? *index == 0 : *index + 1 >= (m_workspace.*records).size())) return;
+        transact(actionName, "", [&](TeskWorkspace& w) {
+            (w.*records).move(*index, up ? *index - 1 : *index + 1);
+            return std::string();
+        });
+    }
     void raiseUndoTick();
     void raiseAuditEvent(std::string_view event, const std::string& detail);
     // Puts `restored` in place, keeping the trustworthiness record as the policy says, saves,

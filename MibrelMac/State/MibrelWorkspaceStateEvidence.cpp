@@ -28,15 +28,6 @@ bool intersects(const std::vector<Uuid>& ids, const std::vector<Uuid>& wanted) {
                        [&](const Uuid& id) { return std::find(wanted.begin(), wanted.end(), id) != wanted.end(); });
 }
 
-// The neighbour a move swaps with, when there is one.
-template <class Record>
-std::optional<std::pair<std::size_t, std::size_t>> moveTarget(const CowArray<Record>& records, const Uuid& id, bool up) {
-    const auto index = indexOfID(records, id);
-    if (!index) return std::nullopt;
-    if (up ? *index == 0 : *index + 1 >= records.size()) return std::nullopt;
-    return std::pair{*index, up ? *index - 1 : *index + 1};
-}
-
 } // namespace
 
 Uuid MibrelWorkspaceState::addApplication(const TeskResponseRef& response, const Uuid& codeID,
@@ -56,10 +47,7 @@ Uuid MibrelWorkspaceState::addApplication(const TeskResponseRef& response, const
 }
 
 void MibrelWorkspaceState::deleteApplication(const Uuid& id) {
-    transact("Remove Code", "application_removed", [&](TeskWorkspace& w) {
-        w.applications.removeAll([&](const TeskCodeApplication& a) { return a.id == id; });
-        return std::string();
-    });
+    removeRecord(&TeskWorkspace::applications, id, "Remove Code", "application_removed");
 }
 
 std::optional<Uuid> MibrelWorkspaceState::addQuote(const TeskResponseRef& response, const std::string& text,
@@ -104,18 +92,11 @@ std::optional<Uuid> MibrelWorkspaceState::addQuote(const TeskResponseRef& respon
 }
 
 void MibrelWorkspaceState::updateQuote(const TeskQuote& quote) {
-    if (!indexOfID(m_workspace.quotes, quote.id)) return;
-    transact("Edit Quote", "", [&](TeskWorkspace& w) {
-        replaceByID(w.quotes, quote);
-        return std::string();
-    });
+    replaceRecord(&TeskWorkspace::quotes, quote, "Edit Quote", "", "");
 }
 
 void MibrelWorkspaceState::deleteQuote(const Uuid& id) {
-    transact("Delete Quote", "quote_removed", [&](TeskWorkspace& w) {
-        w.quotes.removeAll([&](const TeskQuote& q) { return q.id == id; });
-        return std::string();
-    });
+    removeRecord(&TeskWorkspace::quotes, id, "Delete Quote", "quote_removed");
 }
 
 Uuid MibrelWorkspaceState::addContextualLensReview(std::optional<Uuid> codeID, std::optional<Uuid> themeID) {
@@ -135,19 +116,12 @@ Uuid MibrelWorkspaceState::addContextualLensReview(std::optional<Uuid> codeID, s
 }
 
 void MibrelWorkspaceState::updateContextualLensReview(TeskContextualLensReview review) {
-    if (!indexOfID(m_workspace.contextualLensReviews, review.id)) return;
     review.updatedAt = platform::now();
-    transact("Edit Contextual Review", "", [&](TeskWorkspace& w) {
-        replaceByID(w.contextualLensReviews, review);
-        return std::string();
-    });
+    replaceRecord(&TeskWorkspace::contextualLensReviews, review, "Edit Contextual Review", "", "");
 }
 
 void MibrelWorkspaceState::deleteContextualLensReview(const Uuid& id) {
-    transact("Delete Contextual Review", "contextual_lens_review_deleted", [&](TeskWorkspace& w) {
-        w.contextualLensReviews.removeAll([&](const TeskContextualLensReview& r) { return r.id == id; });
-        return std::string();
-    });
+    removeRecord(&TeskWorkspace::contextualLensReviews, id, "Delete Contextual Review", "contextual_lens_review_deleted");
 }
 
 // Undone under preserveNotes: the check goes, while notes typed since it stay.
@@ -187,28 +161,16 @@ Uuid MibrelWorkspaceState::saveReportSection(TeskReportSection section) {
 }
 
 void MibrelWorkspaceState::updateReportSection(TeskReportSection section) {
-    if (!indexOfID(m_workspace.reportSections, section.id)) return;
     section.updatedAt = platform::now();
-    transact("Edit Report Section", "", [&](TeskWorkspace& w) {
-        replaceByID(w.reportSections, section);
-        return std::string();
-    });
+    replaceRecord(&TeskWorkspace::reportSections, section, "Edit Report Section", "", "");
 }
 
 void MibrelWorkspaceState::removeReportSection(const Uuid& id) {
-    transact("Remove Report Section", "report_section_removed", [&](TeskWorkspace& w) {
-        w.reportSections.removeAll([&](const TeskReportSection& s) { return s.id == id; });
-        return std::string();
-    });
+    removeRecord(&TeskWorkspace::reportSections, id, "Remove Report Section", "report_section_removed");
 }
 
 void MibrelWorkspaceState::moveReportSection(const Uuid& id, bool up) {
-    const auto target = moveTarget(m_workspace.reportSections, id, up);
-    if (!target) return;
-    transact("Reorder Report Sections", "", [&](TeskWorkspace& w) {
-        w.reportSections.move(target->first, target->second);
-        return std::string();
-    });
+    moveRecord(&TeskWorkspace::reportSections, id, up, "Reorder Report Sections");
 }
 
 std::optional<Uuid> MibrelWorkspaceState::stageThemeForReport(const Uuid& themeID) {
@@ -225,27 +187,15 @@ std::optional<Uuid> MibrelWorkspaceState::stageThemeForReport(const Uuid& themeI
 }
 
 void MibrelWorkspaceState::updateReportFinding(const TeskReportFinding& finding) {
-    if (!indexOfID(m_workspace.reportFindings, finding.id)) return;
-    transact("Edit Finding", "", [&](TeskWorkspace& w) {
-        replaceByID(w.reportFindings, finding);
-        return std::string();
-    });
+    replaceRecord(&TeskWorkspace::reportFindings, finding, "Edit Finding", "", "");
 }
 
 void MibrelWorkspaceState::removeReportFinding(const Uuid& id) {
-    transact("Remove Finding", "finding_removed", [&](TeskWorkspace& w) {
-        w.reportFindings.removeAll([&](const TeskReportFinding& f) { return f.id == id; });
-        return std::string();
-    });
+    removeRecord(&TeskWorkspace::reportFindings, id, "Remove Finding", "finding_removed");
 }
 
 void MibrelWorkspaceState::moveReportFinding(const Uuid& id, bool up) {
-    const auto target = moveTarget(m_workspace.reportFindings, id, up);
-    if (!target) return;
-    transact("Reorder Findings", "", [&](TeskWorkspace& w) {
-        w.reportFindings.move(target->first, target->second);
-        return std::string();
-    });
+    moveRecord(&TeskWorkspace::reportFindings, id, up, "Reorder Findings");
 }
 
 void MibrelWorkspaceState::updateReportDraft(std::optional<Bytes> draft) {
