@@ -14,26 +14,16 @@ bool contains(const std::array<std::string_view, N>& list, const std::string& ex
 
 } // namespace
 
-std::string lowercasedExtension(const std::filesystem::path& location) {
-    const std::string name = platform::files::lastPathComponent(location);
-    const auto dot = name.rfind('.');
-    if (dot == std::string::npos || dot == 0) return {};
-    std::string extension = name.substr(dot + 1);
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c); });
-    return extension;
-}
-
 bool isSpreadsheet(const std::filesystem::path& location) {
-    return contains(spreadsheetExtensions, lowercasedExtension(location));
+    return contains(spreadsheetExtensions, platform::files::lowercasedExtension(location));
 }
 
 bool isDocument(const std::filesystem::path& location) {
-    return contains(documentExtensions, lowercasedExtension(location));
+    return contains(documentExtensions, platform::files::lowercasedExtension(location));
 }
 
 bool isMedia(const std::filesystem::path& location) {
-    const std::string extension = lowercasedExtension(location);
+    const std::string extension = platform::files::lowercasedExtension(location);
     return contains(audioExtensions, extension) || contains(videoExtensions, extension);
 }
 

@@ -14,9 +14,6 @@ inline constexpr std::array<std::string_view, 3> documentExtensions{"txt", "docx
 inline constexpr std::array<std::string_view, 5> audioExtensions{"m4a", "mp3", "wav", "aac", "caf"};
 inline constexpr std::array<std::string_view, 5> videoExtensions{"mov", "mp4", "m4v", "mpeg", "mpg"};
 
-// The ending without its dot, in lower case ("" when there is none).
-std::string lowercasedExtension(const std::filesystem::path& location);
-
 bool isSpreadsheet(const std::filesystem::path& location);
 bool isDocument(const std::filesystem::path& location);
 bool isMedia(const std::filesystem::path& location);

@@ -57,7 +57,7 @@ QString toQString(const std::filesystem::path& path) { return QString::fromStdSt
 
 QString displayName(const std::filesystem::path& project) {
     QString name = QString::fromStdString(platform::files::lastPathComponent(project));
-    if (MibrelDataFiles::lowercasedExtension(project) == "mvibrl") name.chop(7);
+    if (platform::files::lowercasedExtension(project) == "mvibrl") name.chop(7);
     return name;
 }
 
@@ -446,7 +446,7 @@ void MibrelStartPageView::openRecent(const std::filesystem::path& project) {
 }
 
 void MibrelStartPageView::handleDroppedLocation(const std::filesystem::path& location) {
-    if (MibrelDataFiles::lowercasedExtension(location) == "mvibrl") {
+    if (platform::files::lowercasedExtension(location) == "mvibrl") {
         openRecent(location);
     } else if (MibrelDataFiles::isDataFile(location)) {
         m_session.createProjectFromData(location);

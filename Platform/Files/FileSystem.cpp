@@ -95,4 +95,13 @@ std::string lastPathComponent(const fs::path& path) {
     return trimmed.filename().string();
 }
 
+std::string lowercasedExtension(const fs::path& path) {
+    const std::string name = lastPathComponent(path);
+    const auto dot = name.rfind('.');
+    if (dot == std::string::npos || dot == 0) return {};
+    std::string extension = name.substr(dot + 1);
+    for (char& c : extension) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
+    return extension;
+}
+
 } // namespace platform::files

@@ -40,4 +40,8 @@ std::vector<DirectoryEntry> listDirectory(const std::filesystem::path& path);
 // The last component of a path, ignoring a trailing separator ("/a/b.mvibrl/" -> "b.mvibrl").
 std::string lastPathComponent(const std::filesystem::path& path);
 
+// The ending of the last component without its dot, in lower case ("" when there is none;
+// a name that only starts with a dot, like ".csv", has none).
+std::string lowercasedExtension(const std::filesystem::path& path);
+
 } // namespace platform::files
