@@ -4,7 +4,7 @@
 
 namespace mibrel {
 
-void DocxParagraphCollector::startElement(std::string_view name) {
+void DocxParagraphCollector::startElement(std::string_view name, const platform::xml::XmlAttributes&) {
     if (name == "w:t") {
         ++textDepth;
     } else if (name == "w:tab") {

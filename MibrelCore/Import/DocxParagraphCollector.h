@@ -17,7 +17,7 @@ public:
     std::string current;                 // the paragraph being read
     std::int64_t textDepth = 0;          // how many w:t elements are open
 
-    void startElement(std::string_view name) override;
+    void startElement(std::string_view name, const platform::xml::XmlAttributes& attributes) override;
     void endElement(std::string_view name) override;
     void characters(std::string_view text) override;
 };

@@ -47,12 +47,19 @@ UChar32 nextCodePoint(std::string_view text, std::size_t& pos) {
     return codePoint;
 }
 
-std::size_t leadingWhitespaceEnd(std::string_view text) {
+using CodePointTest = bool (*)(UChar32);
+
+bool isWhitespace(UChar32 c) { return c < 0x80 ? isAsciiWhitespace(static_cast<unsigned char>(c)) : u_isUWhiteSpace(c); }
+
+// Spaces of every kind and tabs, but no line breaks.
+bool isBlankCharacter(UChar32 c) { return c == '\t' || (c < 0x80 ? c == ' ' : u_charType(c) == U_SPACE_SEPARATOR); }
+
+std::size_t leadingEnd(std::string_view text, CodePointTest matches) {
     std::size_t pos = 0;
     while (pos < text.size()) {
         const auto byte = static_cast<unsigned char>(text[pos]);
         if (byte < 0x80) {
-            if (!isAsciiWhitespace(byte)) {
+            if (!matches(byte)) {
                 break;
             }
             ++pos;
@@ -60,7 +67,7 @@ std::size_t leadingWhitespaceEnd(std::string_view text) {
         }
         std::size_t next = pos;
         const UChar32 codePoint = nextCodePoint(text, next);
-        if (codePoint < 0 || !u_isUWhiteSpace(codePoint)) {
+        if (codePoint < 0 || !matches(codePoint)) {
             break;
         }
         pos = next;
@@ -77,12 +84,12 @@ std::size_t lastCodePointStart(std::string_view text, std::size_t begin, std::si
     return start;
 }
 
-std::size_t trailingWhitespaceStart(std::string_view text, std::size_t begin) {
+std::size_t trailingStart(std::string_view text, std::size_t begin, CodePointTest matches) {
     std::size_t end = text.size();
     while (end > begin) {
         const auto byte = static_cast<unsigned char>(text[end - 1]);
         if (byte < 0x80) {
-            if (!isAsciiWhitespace(byte)) {
+            if (!matches(byte)) {
                 break;
             }
             --end;
@@ -92,7 +99,7 @@ std::size_t trailingWhitespaceStart(std::string_view text, std::size_t begin) {
         std::size_t next = start;
         const UChar32 codePoint = nextCodePoint(text.substr(0, end), next);
         // A stray trail byte decodes as part of nothing that ends at `end`.
-        if (codePoint < 0 || next != end || !u_isUWhiteSpace(codePoint)) {
+        if (codePoint < 0 || next != end || !matches(codePoint)) {
             break;
         }
         end = start;
@@ -221,13 +228,45 @@ icu::UnicodeString foldedForSearch(std::string_view text) {
 } // namespace
 
 std::string trimmed(std::string_view text) {
-    const std::size_t begin = leadingWhitespaceEnd(text);
-    const std::size_t end = trailingWhitespaceStart(text, begin);
-    return std::string(text.substr(begin, end - begin));
+    const std::size_t begin = leadingEnd(text, isWhitespace);
+    return std::string(text.substr(begin, trailingStart(text, begin, isWhitespace) - begin));
+}
+
+std::string trimmedOfBlanks(std::string_view text) {
+    const std::size_t begin = leadingEnd(text, isBlankCharacter);
+    return std::string(text.substr(begin, trailingStart(text, begin, isBlankCharacter) - begin));
 }
 
 bool isBlank(std::string_view text) {
-    return leadingWhitespaceEnd(text) == text.size();
+    return leadingEnd(text, isWhitespace) == text.size();
+}
+
+void forEachCharacter(std::string_view text, const std::function<void(std::string_view)>& visit) {
+    if (isAscii(text) || !fitsICU(text) || characterBreaker() == nullptr) {
+        // In ASCII the only character of two bytes is CR LF; elsewhere, without ICU, code points.
+        std::size_t start = 0;
+        while (start < text.size()) {
+            std::size_t end = start;
+            if (isAscii(text.substr(start, 1))) {
+                end += text[start] == '\r' && start + 1 < text.size() && text[start + 1] == '\n' ? 2 : 1;
+            } else {
+                U8_FWD_1(text.data(), end, text.size());
+            }
+            visit(text.substr(start, end - start));
+            start = end;
+        }
+        return;
+    }
+    icu::BreakIterator* breaker = characterBreaker();
+    UErrorCode status = U_ZERO_ERROR;
+    icu::LocalUTextPointer utext(utext_openUTF8(nullptr, text.data(), static_cast<int64_t>(text.size()), &status));
+    breaker->setText(utext.getAlias(), status);
+    std::size_t start = 0;
+    for (int32_t boundary = breaker->next(); boundary != icu::BreakIterator::DONE; boundary = breaker->next()) {
+        const auto end = static_cast<std::size_t>(boundary);
+        visit(text.substr(start, end - start));
+        start = end;
+    }
 }
 
 std::size_t characterCount(std::string_view text) {

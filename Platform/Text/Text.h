@@ -2,6 +2,7 @@
 
 #include <compare>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,12 @@ namespace platform::text {
 
 // Removes Unicode whitespace and newlines (the White_Space property) from both ends.
 std::string trimmed(std::string_view text);
+
+// Removes blanks only (spaces of every kind and tabs) from both ends; newlines stay.
+std::string trimmedOfBlanks(std::string_view text);
+
+// Calls `visit` with each user-perceived character in order ("\r\n" is one).
+void forEachCharacter(std::string_view text, const std::function<void(std::string_view)>& visit);
 
 // True when nothing is left after trimming.
 bool isBlank(std::string_view text);

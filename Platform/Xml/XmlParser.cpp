@@ -13,8 +13,8 @@ struct ParserFree {
     void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
 };
 
-void XMLCALL onStart(void* data, const XML_Char* name, const XML_Char**) {
-    static_cast<XmlHandler*>(data)->startElement(name);
+void XMLCALL onStart(void* data, const XML_Char* name, const XML_Char** attributes) {
+    static_cast<XmlHandler*>(data)->startElement(name, XmlAttributes(attributes));
 }
 
 void XMLCALL onEnd(void* data, const XML_Char* name) { static_cast<XmlHandler*>(data)->endElement(name); }
@@ -24,6 +24,13 @@ void XMLCALL onCharacters(void* data, const XML_Char* text, int length) {
 }
 
 } // namespace
+
+std::optional<std::string_view> XmlAttributes::value(std::string_view name) const {
+    for (const char** pair = m_pairs; pair && *pair; pair += 2) {
+        if (name == pair[0]) return std::string_view(pair[1]);
+    }
+    return std::nullopt;
+}
 
 bool parse(std::string_view document, XmlHandler& handler) {
     std::unique_ptr<XML_ParserStruct, ParserFree> parser(XML_ParserCreate("UTF-8"));

@@ -1,14 +1,28 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 // Event-driven XML reading. Names keep their prefix ("w:t"): namespaces are not resolved.
 namespace platform::xml {
 
+// An element's attributes, valid during the start event only.
+class XmlAttributes {
+public:
+    explicit XmlAttributes(const char** pairs) : m_pairs(pairs) {}
+    std::optional<std::string_view> value(std::string_view name) const;
+
+private:
+    const char** m_pairs; // name, value, name, value, …, null
+};
+
 class XmlHandler {
 public:
     virtual ~XmlHandler() = default;
-    virtual void startElement(std::string_view name) { (void)name; }
+    virtual void startElement(std::string_view name, const XmlAttributes& attributes) {
+        (void)name;
+        (void)attributes;
+    }
     virtual void endElement(std::string_view name) { (void)name; }
     // Text between tags, possibly in several pieces.
     virtual void characters(std::string_view text) { (void)text; }

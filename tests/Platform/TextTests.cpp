@@ -51,3 +51,15 @@ TEST(TextContains, IgnoresCaseButNotAccents) {
     EXPECT_TRUE(text::localizedCaseInsensitiveContains("Straße", "SS"));
     EXPECT_FALSE(text::localizedCaseInsensitiveContains("anything", ""));
 }
+
+TEST(TextCharacters, WalkByCharacterAndTrimBlanksButNotNewlines) {
+    std::vector<std::string> pieces;
+    platform::text::forEachCharacter("a\r\nb", [&](std::string_view c) { pieces.emplace_back(c); });
+    EXPECT_EQ(pieces, (std::vector<std::string>{"a", "\r\n", "b"}));
+    pieces.clear();
+    platform::text::forEachCharacter("e\xCC\x81,\xC3\xBC", [&](std::string_view c) { pieces.emplace_back(c); });
+    EXPECT_EQ(pieces, (std::vector<std::string>{"e\xCC\x81", ",", "\xC3\xBC"}));
+
+    EXPECT_EQ(platform::text::trimmedOfBlanks("\t \xC2\xA0" "a b\n "), "a b\n");
+    EXPECT_EQ(platform::text::trimmedOfBlanks(" \t "), "");
+}
