@@ -1,5 +1,6 @@
 #include "MibrelMac/Views/MibrelShellView.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include <QFont>
@@ -27,9 +28,13 @@ constexpr auto tools = platform::allCases<MibrelTool>();
 const char* const shellStyleSheet = R"(
 QSplitter#shellSplitter::handle { background: palette(mid); }
 QListWidget#shellToolList, QListWidget#shellSourceList { background: transparent; border: none; outline: 0; }
-QListWidget#shellToolList::item, QListWidget#shellSourceList::item { padding: 5px 8px; border-radius: 6px; }
+QListWidget#shellToolList::item, QListWidget#shellSourceList::item { padding: 0 8px; border-radius: 6px; }
 QListWidget#shellToolList::item:selected { background: palette(highlight); color: palette(highlighted-text); }
 )";
+
+// Rows are sized here rather than by the style sheet, whose padding the list measures
+// inconsistently; the row height also gives the workflow list its exact height.
+int rowHeight(const QWidget* list) { return std::max(list->fontMetrics().height(), 18) + 10; }
 
 QString qtText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
@@ -69,22 +74,17 @@ QListWidget* makeToolList(QWidget* parent) {
     auto* list = new QListWidget(parent);
     list->setObjectName(QStringLiteral("shellToolList"));
     list->setIconSize(QSize(18, 18));
-    list->setUniformItemSizes(true);
-    list->setSpacing(1);
+    list->setFrameShape(QFrame::NoFrame);
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // The whole workflow stays in view: the list is as tall as its rows, and the sources
+    // below take whatever height is left.
     for (MibrelTool tool : tools) {
-        list->addItem(new QListWidgetItem(iconForSymbol(symbol(tool)), qtText(title(tool))));
+        auto* item = new QListWidgetItem(iconForSymbol(symbol(tool)), qtText(title(tool)), list);
+        item->setSizeHint(QSize(0, rowHeight(list)));
     }
+    list->setFixedHeight(rowHeight(list) * list->count() + 2 * list->frameWidth());
     return list;
-}
-
-// The whole workflow stays in view: the list is as tall as its rows, and the sources
-// below take whatever height is left.
-void fitToRows(QListWidget* list) {
-    list->ensurePolished();
-    const int rows = list->count();
-    const int height = list->sizeHintForRow(0) * rows + 2 * list->spacing() * rows + 2 * list->frameWidth();
-    list->setFixedHeight(height);
 }
 
 QWidget* makeSourcesEmptyState(QWidget* parent) {
@@ -145,6 +145,7 @@ void fillSources(QListWidget* list, QWidget* emptyState, const MibrelSourcesStat
         const bool unnamed = source.label.find_first_not_of(" \t\r\n") == std::string::npos;
         auto* item = new QListWidgetItem(iconForSymbol("doc.text"),
                                          unnamed ? QStringLiteral("Untitled source") : qtText(source.label), list);
+        item->setSizeHint(QSize(0, rowHeight(list)));
         if (state.selectedSourceID() == source.id) {
             QFont font = item->font();
             font.setWeight(QFont::DemiBold);
@@ -190,6 +191,7 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
     parts.sourceList->setObjectName(QStringLiteral("shellSourceList"));
     parts.sourceList->setSelectionMode(QAbstractItemView::NoSelection);
     parts.sourceList->setIconSize(QSize(16, 16));
+    parts.sourceList->setFrameShape(QFrame::NoFrame);
     // Long labels end in an ellipsis rather than scrolling the sidebar sideways.
     parts.sourceList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     parts.sourceList->setTextElideMode(Qt::ElideRight);
@@ -218,7 +220,6 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(parts.splitter);
-    fitToRows(parts.toolList);
 
     const auto showSelectedTool = [this] {
         const int index = static_cast<int>(m_shellUI.selectedTool());
@@ -234,7 +235,8 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
     const auto showSources = [this] { fillSources(m_parts->sourceList, m_parts->sourcesEmpty, m_sourcesState); };
 
     connect(parts.toolList, &QListWidget::currentRowChanged, this, [this](int row) {
-        if (row >= 0 && row < static_cast<int>(tools.size())) m_shellUI.setSelectedTool(tools[static_cast<std::size_t>(row)]);
+        if (row < 0 || row >= static_cast<int>(tools.size())) return; // -1 while the list empties
+        m_shellUI.setSelectedTool(tools[static_cast<std::size_t>(row)]);
     });
     connect(&m_shellUI, &MibrelShellUIState::selectedToolChanged, this, showSelectedTool);
     connect(&m_shellUI, &MibrelShellUIState::inspectorVisibilityChanged, this, showInspector);

@@ -2,7 +2,6 @@
 #include <QListWidget>
 #include <QSettings>
 #include <QStackedWidget>
-#include <QStringList>
 #include <gtest/gtest.h>
 
 #include "MibrelCore/Storage/TeskProjectArchive.h"
@@ -19,10 +18,9 @@
 namespace mibrel {
 namespace {
 
-QStringList texts(const QWidget* root, const QString& listName) {
+QStringList rowTexts(const QListWidget* list) {
     QStringList result;
-    const auto* list = root->findChild<QListWidget*>(listName);
-    for (int row = 0; list && row < list->count(); ++row) result << list->item(row)->text();
+    for (int row = 0; row < list->count(); ++row) result << list->item(row)->text();
     return result;
 }
 
@@ -45,10 +43,11 @@ protected:
     QListWidget* toolList = view.findChild<QListWidget*>(QStringLiteral("shellToolList"));
     QStackedWidget* pages = view.findChild<QStackedWidget*>(QStringLiteral("shellToolPages"));
     QStackedWidget* inspector = view.findChild<QStackedWidget*>(QStringLiteral("shellInspector"));
+    QListWidget* sourceList = view.findChild<QListWidget*>(QStringLiteral("shellSourceList"));
 };
 
-TEST_F(MibrelShellViewTest, SidebarAndStateFollowEachOther) {
-    EXPECT_EQ(texts(&view, QStringLiteral("shellToolList")).join(QLatin1Char('|')),
+TEST_F(MibrelShellViewTest, SidebarPagesAndInspectorFollowTheState) {
+    EXPECT_EQ(rowTexts(toolList).join(QLatin1Char('|')),
               QStringLiteral("Sources|First Read|Contextual Lens|Read & Code|Codebook|Analysis|Themes|Evidence|"
                              "Assist|Rigor|Report"));
     EXPECT_EQ(pages->count(), 11);
@@ -63,9 +62,7 @@ TEST_F(MibrelShellViewTest, SidebarAndStateFollowEachOther) {
     EXPECT_EQ(toolList->currentRow(), 9);
     EXPECT_EQ(pages->currentIndex(), 9);
     EXPECT_TRUE(labelTexts(inspector->currentWidget()).contains(QStringLiteral("Rigor")));
-}
 
-TEST_F(MibrelShellViewTest, InspectorHidesAndShowsWithTheState) {
     EXPECT_FALSE(inspector->isHidden());
     shellUI.setInspectorVisible(false);
     EXPECT_TRUE(inspector->isHidden());
@@ -76,18 +73,18 @@ TEST_F(MibrelShellViewTest, InspectorHidesAndShowsWithTheState) {
 TEST_F(MibrelShellViewTest, SourcesSectionShowsTheProjectsSourcesOrSaysThereAreNone) {
     const auto* empty = view.findChild<QWidget*>(QStringLiteral("shellSourcesEmpty"));
     EXPECT_FALSE(empty->isHidden());
-    EXPECT_TRUE(labelTexts(empty).contains(QStringLiteral("No sources yet")));
-    EXPECT_TRUE(labelTexts(empty).contains(
-        QStringLiteral("Import transcripts, audio, documents, or open-ended responses.")));
+    const QStringList emptyTexts{QStringLiteral("No sources yet"),
+                                 QStringLiteral("Import transcripts, audio, documents, or open-ended responses.")};
+    EXPECT_EQ(labelTexts(empty), emptyTexts);
 
     TeskProjectArchive::createEmpty(folder / "Study.mvibrl", "Study", false);
     TeskSourceStore::saveIndex({TeskSource{.label = "Interview with Ana"}}, folder / "Study.mvibrl");
     sources.bind(folder / "Study.mvibrl");
-    EXPECT_EQ(texts(&view, QStringLiteral("shellSourceList")), QStringList{QStringLiteral("Interview with Ana")});
+    EXPECT_EQ(rowTexts(sourceList), QStringList{QStringLiteral("Interview with Ana")});
     EXPECT_TRUE(empty->isHidden());
 
     sources.bind(std::nullopt);
-    EXPECT_TRUE(texts(&view, QStringLiteral("shellSourceList")).isEmpty());
+    EXPECT_TRUE(rowTexts(sourceList).isEmpty());
     EXPECT_FALSE(empty->isHidden());
 }
 
