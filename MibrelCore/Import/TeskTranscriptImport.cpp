@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <poppler-document.h>
+#include <poppler-global.h>
 #include <poppler-page.h>
 
 #include "MibrelCore/Import/DocxArchive.h"
@@ -55,8 +56,19 @@ std::string docxText(const std::filesystem::path& location) {
     return *text;
 }
 
+// The reader's own complaints ("Incorrect password") would reach the terminal; the
+// researcher gets ours instead.
+void silencePDFDiagnostics() {
+    static const bool silenced = [] {
+        poppler::set_debug_error_function([](const std::string&, void*) {}, nullptr);
+        return true;
+    }();
+    (void)silenced;
+}
+
 // Every page with text starts a new paragraph; a locked or scanned document has none.
 std::string pdfText(const std::filesystem::path& location) {
+    silencePDFDiagnostics();
     std::unique_ptr<poppler::document> document(poppler::document::load_from_file(location.string()));
     if (!document || document->is_locked()) throw ImportError(ImportError::Kind::unreadable);
     std::vector<std::string> pages;

@@ -16,7 +16,7 @@ const QString kURLScheme = QStringLiteral("merivante-mibrel");
 } // namespace
 
 MibrelApp::MibrelApp(MibrelPanels& panels, QSettings& settings, QStringList arguments, QObject* parent)
-    : QObject(parent), m_arguments(std::move(arguments)), m_session(panels, settings) {
+    : QObject(parent), m_arguments(std::move(arguments)), m_session(panels, settings), m_sourcesState(panels, &settings) {
     connect(&m_session, &MibrelProjectSession::projectURLChanged, this, &MibrelApp::projectDidChange);
 }
 
@@ -63,10 +63,13 @@ void MibrelApp::projectDidChange() {
     }
 }
 
+// Recordings are taken in once media import exists; until then they open an empty project.
 void MibrelApp::dispatchDataImport(const std::filesystem::path& dataFile) {
-    // Response tables, transcripts and recordings are taken in by the sources state once it
-    // can import them; until then the new project simply opens empty.
-    (void)dataFile;
+    if (MibrelDataFiles::isSpreadsheet(dataFile)) {
+        m_sourcesState.openResponsesTable(dataFile);
+    } else if (MibrelDataFiles::isDocument(dataFile)) {
+        m_sourcesState.importTranscript(dataFile);
+    }
 }
 
 } // namespace mibrel

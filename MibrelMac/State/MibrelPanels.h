@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace mibrel {
 
@@ -12,10 +13,17 @@ struct MibrelSavePanelRequest {
     std::string suggestedName;
 };
 
+// A kind of file a panel offers, by its endings (without the dot).
+struct MibrelFileType {
+    std::string description;
+    std::vector<std::string> extensions;
+};
+
 struct MibrelOpenPanelRequest {
     std::string title;
     bool canChooseFiles = true;
     bool canChooseDirectories = false;
+    std::vector<MibrelFileType> allowedTypes; // empty: any file
 };
 
 // What the state objects need from the desktop: file dialogs, showing a file in the

@@ -65,8 +65,14 @@ void MibrelCommands::addFileMenu(QMainWindow& window) {
     for (const auto& item : imports) {
         QAction* action = addAction(file, QString::fromUtf8(item.title), QKeySequence(QString::fromUtf8(item.shortcut)));
         action->setIcon(iconForSymbol(item.symbol));
-        m_importActions.push_back(projectAction(unavailable(action)));
+        m_importActions.push_back(projectAction(action));
     }
+    auto& sources = m_app.sourcesState();
+    connect(m_importActions[0], &QAction::triggered, &sources, &MibrelSourcesState::importTranscriptFile);
+    connect(m_importActions[3], &QAction::triggered, &sources, &MibrelSourcesState::importResponsesFile);
+    // Recordings come in once the program can prepare and transcribe them.
+    unavailable(m_importActions[1]);
+    unavailable(m_importActions[2]);
     file->addSeparator();
     QAction* handoff = projectAction(addAction(file, QStringLiteral("Send to Kessil Bench…")));
     handoff->setIcon(iconForSymbol("arrow.up.forward.app"));

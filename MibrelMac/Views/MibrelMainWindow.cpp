@@ -16,6 +16,7 @@
 #include "MibrelMac/State/MibrelSampleProject.h"
 #include "MibrelMac/Views/MibrelCommands.h"
 #include "MibrelMac/Views/MibrelQtPanels.h"
+#include "MibrelMac/Views/MibrelResponsesImportSheetView.h"
 #include "MibrelMac/Views/MibrelSettingsView.h"
 #include "MibrelMac/Views/MibrelShellView.h"
 #include "MibrelMac/Views/MibrelStartPageView.h"
@@ -47,6 +48,9 @@ MibrelMainWindow::MibrelMainWindow(MibrelApp& app, MibrelQtPanels& panels, QSett
     auto& sources = app.sourcesState();
     connect(&sources, &MibrelSourcesState::lastErrorChanged, this, [this, &sources] {
         alertWhenSet(QStringLiteral("Mibrel"), sources.lastError(), [&sources] { sources.setLastError(std::nullopt); });
+    });
+    connect(&sources, &MibrelSourcesState::pendingResponsesImportChanged, this, [this, &sources] {
+        if (sources.pendingResponsesImport()) QTimer::singleShot(0, this, &MibrelMainWindow::showResponsesImportSheet);
     });
     auto& workspace = app.workspaceState();
     connect(&workspace, &MibrelWorkspaceState::lastErrorChanged, this, [this, &workspace] {
@@ -81,6 +85,14 @@ void MibrelMainWindow::askAboutDamagedWorkspace() {
     } else {
         m_app.session().close();
     }
+}
+
+// Queued: the table may arrive while the window is still opening the project it goes into.
+void MibrelMainWindow::showResponsesImportSheet() {
+    auto& sources = m_app.sourcesState();
+    if (!sources.pendingResponsesImport()) return;
+    MibrelResponsesImportSheetView sheet(sources, this);
+    sheet.exec();
 }
 
 void MibrelMainWindow::showRootContent() {

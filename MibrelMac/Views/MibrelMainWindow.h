@@ -33,6 +33,7 @@ private:
     void alertWhenSet(const QString& title, const std::optional<std::string>& message, std::function<void()> clear);
     void openSampleProject();
     void askAboutDamagedWorkspace();
+    void showResponsesImportSheet();
     void buildToolbar();
 
     MibrelApp& m_app;

@@ -58,6 +58,22 @@ std::optional<std::filesystem::path> run(QFileDialog& dialog, std::optional<std:
     return files.first().toStdString();
 }
 
+// "All supported" first, then each kind alone; endings in both cases, as Linux names files.
+QStringList nameFilters(const std::vector<MibrelFileType>& types) {
+    QStringList filters;
+    QStringList all;
+    for (const MibrelFileType& type : types) {
+        QStringList patterns;
+        for (const std::string& extension : type.extensions) {
+            patterns << QStringLiteral("*.") + qs(extension) << QStringLiteral("*.") + qs(extension).toUpper();
+        }
+        all << patterns;
+        filters << QStringLiteral("%1 (%2)").arg(qs(type.description), patterns.join(QLatin1Char(' ')));
+    }
+    if (types.size() > 1) filters.prepend(QStringLiteral("All supported files (%1)").arg(all.join(QLatin1Char(' '))));
+    return filters;
+}
+
 } // namespace
 
 std::optional<std::filesystem::path> MibrelQtPanels::runSavePanel(const MibrelSavePanelRequest& request) {
@@ -75,6 +91,7 @@ std::optional<std::filesystem::path> MibrelQtPanels::runOpenPanel(const MibrelOp
     QFileDialog dialog(m_parent, qs(request.title), startFolder());
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(request.canChooseFiles ? QFileDialog::ExistingFile : QFileDialog::Directory);
+    if (!request.allowedTypes.empty()) dialog.setNameFilters(nameFilters(request.allowedTypes));
     std::optional<std::filesystem::path> chosen;
     if (request.canChooseDirectories) acceptPackagesOnEntry(dialog, chosen, false);
     return run(dialog, chosen);

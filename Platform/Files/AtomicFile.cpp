@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "Platform/Files/BatchedDurability.h"
 #include "Platform/Files/FileError.h"
 #include "Platform/Files/FileSystem.h"
 #include "Platform/Foundation/Uuid.h"
@@ -58,14 +59,15 @@ void AtomicFile::write(std::string_view bytes) {
 }
 
 void AtomicFile::commit() {
-    if (::fsync(m_descriptor) != 0) throw FileError(FileError::Operation::write, m_target, lastError());
+    const bool batched = BatchedDurability::isActive();
+    if (!batched && ::fsync(m_descriptor) != 0) throw FileError(FileError::Operation::write, m_target, lastError());
     const int descriptor = m_descriptor;
     m_descriptor = -1;
     if (::close(descriptor) != 0 || ::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
         throw FileError(FileError::Operation::write, m_target, lastError());
     }
     m_committed = true;
-    syncFolder(m_target.parent_path());
+    if (!batched) syncFolder(m_target.parent_path());
 }
 
 } // namespace platform::files

@@ -101,5 +101,22 @@ TEST_F(MibrelAppTest, AChangeOfProjectRebindsStateAndConsumesTheQueuedImport) {
     EXPECT_FALSE(app->sourcesState().projectURL());
 }
 
+TEST_F(MibrelAppTest, ADataFileOpensANewProjectAndIsRoutedByItsEnding) {
+    auto app = launch({});
+    app->rootDidAppear();
+    testing::writeText(folder / "Focus Group.TXT", "First turn\n\nSecond turn");
+    panels.saveAnswers.push_back(folder / "Group.mvibrl");
+    app->handleExternalOpen(QUrl::fromLocalFile(qs(folder / "Focus Group.TXT")));
+    ASSERT_EQ(app->sourcesState().sources().size(), 1u);
+    EXPECT_EQ(app->sourcesState().sources()[0].label, "Focus Group");
+
+    testing::writeText(folder / "answers.csv", "id,answer\n1,Workload\n");
+    panels.saveAnswers.push_back(folder / "Survey.mvibrl");
+    app->handleExternalOpen(QUrl::fromLocalFile(qs(folder / "answers.csv")));
+    EXPECT_TRUE(app->sourcesState().sources().empty());
+    ASSERT_TRUE(app->sourcesState().pendingResponsesImport());
+    EXPECT_EQ(app->sourcesState().pendingResponsesImport()->fileName, "answers.csv");
+}
+
 } // namespace
 } // namespace mibrel

@@ -36,7 +36,7 @@ protected:
     QSettings settings{QString::fromStdString((folder / "settings.ini").string()), QSettings::IniFormat};
     MibrelScriptedPanels panels;
     MibrelProjectSession session{panels, settings};
-    MibrelSourcesState sources;
+    MibrelSourcesState sources{panels, &settings};
     MibrelWorkspaceState workspace;
     MibrelShellUIState shellUI;
     MibrelShellView view{session, sources, workspace, shellUI};

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "MibrelCore/Sources/TeskTranscript.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel::cli {
@@ -196,10 +197,56 @@ TEST_F(MibrelCliTest, EditScriptsRunOperationsWithUndoAndLeaveTheFilesAndAuditLo
     EXPECT_EQ(events, (std::vector<std::string>{"code_created", "application_added", "theme_created", "code_deleted"}));
 }
 
+TEST_F(MibrelCliTest, ImportsReadDocumentsAndTablesAndFailInTheReadersWords) {
+    const std::string project = createProject();
+    writeText(folder / "notes.md", "# Notes\n\nSecond paragraph");
+    EXPECT_EQ(run({"text", (folder / "notes.md").string()}).out, "# Notes\n\nSecond paragraph\n");
+    const CliResult unsupported = run({"text", (folder / "notes.odt").string()});
+    EXPECT_EQ(unsupported.status, kExitFailure);
+    EXPECT_EQ(unsupported.err, "This file type is not supported for transcript import.\n");
+
+    writeText(folder / "answers.csv", "id,answer,name\n1,Workload is heavy,Ann\n2,,Bob\n3,Pay,\n");
+    const CliResult table = run({"table", (folder / "answers.csv").string()});
+    ASSERT_EQ(table.status, kExitSuccess) << table.err;
+    EXPECT_NE(table.out.find("\"suggestedTextColumn\": 1"), std::string::npos);
+
+    const CliResult imported = run({"import", "responses", project, (folder / "answers.csv").string(), "--label-column", "2"});
+    ASSERT_EQ(imported.status, kExitSuccess) << imported.err;
+    EXPECT_NE(imported.out.find("\"imported\": 2"), std::string::npos);
+    EXPECT_NE(imported.out.find("\"notice\": \"2 response sources imported. The newest source is selected.\""),
+              std::string::npos);
+    const std::string index = readText(folder / "study.mvibrl" / "sources" / "index.json");
+    EXPECT_LT(index.find("\"label\": \"Ann\""), index.find("\"label\": \"Row 3\""));
+    EXPECT_EQ(run({"import", "responses", project, (folder / "answers.csv").string(), "--text-column", "3"}).status,
+              kExitUsage);
+    writeText(folder / "header.csv", "id,answer\n");
+    const CliResult empty = run({"import", "responses", project, (folder / "header.csv").string()});
+    EXPECT_EQ(empty.err, "This file has no data rows.\n");
+
+    const CliResult document = run({"import", "transcript", project, MIBREL_IMPORT_FIXTURES "/python-docx.docx"});
+    ASSERT_EQ(document.status, kExitSuccess) << document.err;
+    const auto idAt = document.out.find("\"id\": \"") + 7;
+    const std::string sourceID = document.out.substr(idAt, 36);
+    const auto transcript = platform::json::decode<TeskTranscript>(run({"transcript", "show", project, sourceID}).out);
+    std::vector<std::string> segments;
+    for (const auto& segment : transcript.segments) segments.push_back(segment.text);
+    EXPECT_EQ(segments, (std::vector<std::string>{"Interviewer: What brought you to the town?",
+                                                  "Participant:\tWork, at first.",
+                                                  "We stayed for the school.\nThen for the friends.", "Before", "After",
+                                                  "Question", "Answer", "Years here", "12", "End of interview."}));
+
+    // Source operations run through edit as the window runs them.
+    ASSERT_EQ(run({"edit", project, "deleteSource", R"({"id":")" + sourceID + "\"}"}).status, kExitSuccess);
+    EXPECT_EQ(readText(folder / "study.mvibrl" / "sources" / "index.json").find(sourceID), std::string::npos);
+    EXPECT_EQ(run({"edit", project, "importTranscript", R"({"path":")" + (folder / "gone.txt").string() + "\"}"}).status,
+              kExitFailure);
+}
+
 TEST(MibrelCliUsage, HelpAtEveryLevelAndUsageErrors) {
     for (const auto& command : std::vector<std::vector<std::string>>{
              {"--help"}, {"project", "--help"}, {"project", "create", "--help"}, {"workspace", "show", "--help"},
-             {"sources", "--help"}, {"transcript", "show", "--help"}, {"audit", "append", "--help"}}) {
+             {"sources", "--help"}, {"transcript", "show", "--help"}, {"audit", "append", "--help"},
+             {"import", "responses", "--help"}, {"table", "--help"}}) {
         const CliResult result = run(command);
         EXPECT_EQ(result.status, kExitSuccess) << command.back();
         EXPECT_NE(result.out.find("Usage:"), std::string::npos);
@@ -210,6 +257,7 @@ TEST(MibrelCliUsage, HelpAtEveryLevelAndUsageErrors) {
     EXPECT_EQ(run({"project", "create"}).status, kExitUsage);
     EXPECT_EQ(run({"audit", "append", "p", "e"}).status, kExitUsage);
     EXPECT_EQ(run({"edit", "p"}).status, kExitUsage);
+    EXPECT_EQ(run({"import", "responses", "p", "f", "--text-column", "x"}).status, kExitUsage);
 }
 
 } // namespace

@@ -37,6 +37,9 @@ TeskProjectManifest openProject(const std::filesystem::path& projectURL);
 // An absolute, normalised form of a path typed by the user, without a trailing separator.
 std::filesystem::path absolutePath(const std::string& typed);
 
+// The typed path made absolute, once it has been checked to be a project.
+std::filesystem::path openedProject(const std::string& typed);
+
 template <class T>
 void printJson(std::ostream& out, const T& value) {
     out << platform::json::encode(value) << '\n';
@@ -47,5 +50,6 @@ void addWorkspaceCommands(CLI::App& app, CliContext& context);
 void addSourcesCommands(CLI::App& app, CliContext& context);
 void addAuditCommands(CLI::App& app, CliContext& context);
 void addEditCommands(CLI::App& app, CliContext& context);
+void addImportCommands(CLI::App& app, CliContext& context);
 
 } // namespace mibrel::cli

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <iostream>
@@ -10,6 +11,8 @@
 #include <vector>
 
 #include "MibrelMac/App/MibrelAuditHook.h"
+#include "MibrelMac/State/MibrelScriptedPanels.h"
+#include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelWorkspaceState.h"
 #include "Platform/Json/JsonFields.h"
 #include "tools/mibrel-cli/CliCommand.h"
@@ -46,87 +49,133 @@ private:
 };
 
 using Result = std::optional<std::string>;
-using Operation = std::function<Result(MibrelWorkspaceState&, const Arguments&)>;
+template <class State>
+using Operation = std::function<Result(State&, const Arguments&)>;
+template <class State>
+using OperationTable = std::map<std::string, Operation<State>, std::less<>>;
+
+// The project's two state objects, bound as the window binds them.
+struct EditTargets {
+    MibrelScriptedPanels panels;
+    MibrelWorkspaceState workspace;
+    MibrelSourcesState sources{panels};
+
+    std::optional<std::string> lastError() const { return workspace.lastError() ? workspace.lastError() : sources.lastError(); }
+    void clearLastError() {
+        workspace.setLastError(std::nullopt);
+        sources.setLastError(std::nullopt);
+    }
+};
 
 Result idResult(const std::optional<Uuid>& id) { return id ? Result(id->uuidString()) : std::nullopt; }
 
 // Runs an operation that returns nothing.
-template <class Run>
-Operation plain(Run run) {
-    return [run](MibrelWorkspaceState& s, const Arguments& a) -> Result {
+template <class State, class Run>
+Operation<State> plain(Run run) {
+    return [run](State& s, const Arguments& a) -> Result {
         run(s, a);
         return std::nullopt;
     };
 }
 
-const std::map<std::string, Operation, std::less<>>& operations() {
+const OperationTable<MibrelWorkspaceState>& workspaceOperations() {
     using S = MibrelWorkspaceState;
     using A = Arguments;
-    static const std::map<std::string, Operation, std::less<>> table = {
-        {"addCode", plain([](S& s, const A& a) { s.addCode(a.text("name"), a.textOr("definition")); })},
-        {"updateCode", plain([](S& s, const A& a) { s.updateCode(a.record<TeskCode>()); })},
-        {"deleteCode", plain([](S& s, const A& a) { s.deleteCode(a.id()); })},
-        {"addCategory", plain([](S& s, const A& a) { s.addCategory(a.text("name"), a.textOr("memo"), a.ids("codeIDs")); })},
-        {"updateCategory", plain([](S& s, const A& a) { s.updateCategory(a.record<TeskCategory>()); })},
-        {"deleteCategory", plain([](S& s, const A& a) { s.deleteCategory(a.id()); })},
-        {"addTheme", plain([](S& s, const A& a) { s.addTheme(a.text("name"), a.textOr("memo"), a.ids("codeIDs")); })},
-        {"updateTheme", plain([](S& s, const A& a) { s.updateTheme(a.record<TeskTheme>()); })},
-        {"deleteTheme", plain([](S& s, const A& a) { s.deleteTheme(a.id()); })},
+    static const OperationTable<S> table = {
+        {"addCode", plain<S>([](S& s, const A& a) { s.addCode(a.text("name"), a.textOr("definition")); })},
+        {"updateCode", plain<S>([](S& s, const A& a) { s.updateCode(a.record<TeskCode>()); })},
+        {"deleteCode", plain<S>([](S& s, const A& a) { s.deleteCode(a.id()); })},
+        {"addCategory", plain<S>([](S& s, const A& a) { s.addCategory(a.text("name"), a.textOr("memo"), a.ids("codeIDs")); })},
+        {"updateCategory", plain<S>([](S& s, const A& a) { s.updateCategory(a.record<TeskCategory>()); })},
+        {"deleteCategory", plain<S>([](S& s, const A& a) { s.deleteCategory(a.id()); })},
+        {"addTheme", plain<S>([](S& s, const A& a) { s.addTheme(a.text("name"), a.textOr("memo"), a.ids("codeIDs")); })},
+        {"updateTheme", plain<S>([](S& s, const A& a) { s.updateTheme(a.record<TeskTheme>()); })},
+        {"deleteTheme", plain<S>([](S& s, const A& a) { s.deleteTheme(a.id()); })},
         {"addApplication",
          [](S& s, const A& a) -> Result {
              return s.addApplication(a.record<TeskResponseRef>("response"), a.id("codeID"),
                                      a.optional<std::string>("excerpt"), a.textOr("memo"))
                  .uuidString();
          }},
-        {"deleteApplication", plain([](S& s, const A& a) { s.deleteApplication(a.id()); })},
+        {"deleteApplication", plain<S>([](S& s, const A& a) { s.deleteApplication(a.id()); })},
         {"addQuote",
          [](S& s, const A& a) -> Result {
              return idResult(s.addQuote(a.record<TeskResponseRef>("response"), a.text("text"), a.ids("codeIDs"),
                                         a.ids("themeIDs"), a.textOr("memo"), a.textOr("rationale"),
                                         a.optional<TeskQuoteRole>("role")));
          }},
-        {"updateQuote", plain([](S& s, const A& a) { s.updateQuote(a.record<TeskQuote>()); })},
-        {"deleteQuote", plain([](S& s, const A& a) { s.deleteQuote(a.id()); })},
+        {"updateQuote", plain<S>([](S& s, const A& a) { s.updateQuote(a.record<TeskQuote>()); })},
+        {"deleteQuote", plain<S>([](S& s, const A& a) { s.deleteQuote(a.id()); })},
         {"addContextualLensReview",
          [](S& s, const A& a) -> Result {
              return s.addContextualLensReview(a.optionalID("codeID"), a.optionalID("themeID")).uuidString();
          }},
         {"updateContextualLensReview",
-         plain([](S& s, const A& a) { s.updateContextualLensReview(a.record<TeskContextualLensReview>()); })},
-        {"deleteContextualLensReview", plain([](S& s, const A& a) { s.deleteContextualLensReview(a.id()); })},
-        {"addMemberCheck", plain([](S& s, const A& a) { s.addMemberCheck(a.record<TeskMemberCheck>()); })},
+         plain<S>([](S& s, const A& a) { s.updateContextualLensReview(a.record<TeskContextualLensReview>()); })},
+        {"deleteContextualLensReview", plain<S>([](S& s, const A& a) { s.deleteContextualLensReview(a.id()); })},
+        {"addMemberCheck", plain<S>([](S& s, const A& a) { s.addMemberCheck(a.record<TeskMemberCheck>()); })},
         {"saveReportSection",
          [](S& s, const A& a) -> Result { return s.saveReportSection(a.record<TeskReportSection>()).uuidString(); }},
-        {"updateReportSection", plain([](S& s, const A& a) { s.updateReportSection(a.record<TeskReportSection>()); })},
-        {"removeReportSection", plain([](S& s, const A& a) { s.removeReportSection(a.id()); })},
-        {"moveReportSection", plain([](S& s, const A& a) { s.moveReportSection(a.id(), a.flag("up")); })},
+        {"updateReportSection", plain<S>([](S& s, const A& a) { s.updateReportSection(a.record<TeskReportSection>()); })},
+        {"removeReportSection", plain<S>([](S& s, const A& a) { s.removeReportSection(a.id()); })},
+        {"moveReportSection", plain<S>([](S& s, const A& a) { s.moveReportSection(a.id(), a.flag("up")); })},
         {"stageThemeForReport", [](S& s, const A& a) -> Result { return idResult(s.stageThemeForReport(a.id())); }},
-        {"updateReportFinding", plain([](S& s, const A& a) { s.updateReportFinding(a.record<TeskReportFinding>()); })},
-        {"removeReportFinding", plain([](S& s, const A& a) { s.removeReportFinding(a.id()); })},
-        {"moveReportFinding", plain([](S& s, const A& a) { s.moveReportFinding(a.id(), a.flag("up")); })},
-        {"updateReportDraft", plain([](S& s, const A& a) { s.updateReportDraft(a.optional<Bytes>("value")); })},
-        {"setAsideDamagedWorkspaceAndContinue", plain([](S& s, const A&) { s.setAsideDamagedWorkspaceAndContinue(); })},
-        {"undo", plain([](S& s, const A&) { s.undo(); })},
-        {"redo", plain([](S& s, const A&) { s.redo(); })},
+        {"updateReportFinding", plain<S>([](S& s, const A& a) { s.updateReportFinding(a.record<TeskReportFinding>()); })},
+        {"removeReportFinding", plain<S>([](S& s, const A& a) { s.removeReportFinding(a.id()); })},
+        {"moveReportFinding", plain<S>([](S& s, const A& a) { s.moveReportFinding(a.id(), a.flag("up")); })},
+        {"updateReportDraft", plain<S>([](S& s, const A& a) { s.updateReportDraft(a.optional<Bytes>("value")); })},
+        {"setAsideDamagedWorkspaceAndContinue", plain<S>([](S& s, const A&) { s.setAsideDamagedWorkspaceAndContinue(); })},
+        {"undo", plain<S>([](S& s, const A&) { s.undo(); })},
+        {"redo", plain<S>([](S& s, const A&) { s.redo(); })},
+    };
+    return table;
+}
+
+const OperationTable<MibrelSourcesState>& sourcesOperations() {
+    using S = MibrelSourcesState;
+    using A = Arguments;
+    static const OperationTable<S> table = {
+        {"importTranscript",
+         [](S& s, const A& a) -> Result {
+             s.importTranscript(std::filesystem::absolute(a.text("path")));
+             return s.lastError() ? std::nullopt : idResult(s.selectedSourceID());
+         }},
+        {"updateSource", plain<S>([](S& s, const A& a) { s.updateSource(a.record<TeskSource>()); })},
+        {"updateTranscript",
+         plain<S>([](S& s, const A& a) { s.updateTranscript(a.record<TeskTranscript>(), a.id("sourceID")); })},
+        {"deleteSource", plain<S>([](S& s, const A& a) { s.deleteSource(a.id()); })},
     };
     return table;
 }
 
 std::string operationNames() {
-    std::string names;
-    for (const auto& [name, operation] : operations()) names += (names.empty() ? "" : ", ") + name;
-    return names;
+    std::vector<std::string> names;
+    for (const auto& entry : workspaceOperations()) names.push_back(entry.first);
+    for (const auto& entry : sourcesOperations()) names.push_back(entry.first);
+    std::sort(names.begin(), names.end());
+    std::string joined;
+    for (const auto& name : names) joined += (joined.empty() ? "" : ", ") + name;
+    return joined;
+}
+
+template <class State>
+std::optional<Result> runIn(const OperationTable<State>& table, State& state, const std::string& name,
+                            const Arguments& arguments) {
+    const auto found = table.find(name);
+    if (found == table.end()) return std::nullopt;
+    return found->second(state, arguments);
 }
 
 // Runs one operation; a wrong name or wrong arguments are usage errors.
-Result runOperation(MibrelWorkspaceState& state, const std::string& name, const JsonObjectReader& arguments) {
-    const auto found = operations().find(name);
-    if (found == operations().end()) throw UsageError("There is no operation “" + name + "”. The operations are: " + operationNames() + ".");
+Result runOperation(EditTargets& targets, const std::string& name, const JsonObjectReader& reader) {
+    const Arguments arguments(reader);
     try {
-        return found->second(state, Arguments(arguments));
+        if (auto result = runIn(workspaceOperations(), targets.workspace, name, arguments)) return *result;
+        if (auto result = runIn(sourcesOperations(), targets.sources, name, arguments)) return *result;
     } catch (const DecodingError& error) {
         throw UsageError("The arguments of " + name + " are not right. " + error.what());
     }
+    throw UsageError("There is no operation “" + name + "”. The operations are: " + operationNames() + ".");
 }
 
 struct EditOptions {
@@ -156,16 +205,20 @@ struct ScriptLineReport {
     }
 };
 
-// The project bound as the window binds it, with edits logged to its audit trail.
-std::unique_ptr<MibrelWorkspaceState> bindWorkspace(const std::filesystem::path& projectURL) {
-    openProject(projectURL);
-    auto state = std::make_unique<MibrelWorkspaceState>();
-    state->bind(projectURL);
-    state->onAuditEvent = auditTrailHook(*state, projectURL);
-    return state;
+// The project bound as the window binds it, with edits logged to its audit trail. A
+// damaged transcript is reported by the window once; it does not fail every edit here.
+std::unique_ptr<EditTargets> bindProject(const std::string& typed) {
+    const auto projectURL = openedProject(typed);
+    auto targets = std::make_unique<EditTargets>();
+    targets->workspace.bind(projectURL);
+    targets->workspace.onAuditEvent = auditTrailHook(targets->workspace, projectURL);
+    targets->sources.bind(projectURL);
+    targets->sources.setLastError(std::nullopt);
+    return targets;
 }
 
-ScriptLineReport runScriptLine(MibrelWorkspaceState& state, const std::string& line) {
+ScriptLineReport runScriptLine(EditTargets& targets, const std::string& line) {
+    MibrelWorkspaceState& state = targets.workspace;
     ScriptLineReport report;
     try {
         const JsonDocument document = JsonDocument::parse(line);
@@ -173,14 +226,14 @@ ScriptLineReport runScriptLine(MibrelWorkspaceState& state, const std::string& l
         const std::string name = object.required<std::string>("op");
         const auto args = object.find("args");
         const JsonDocument empty = JsonDocument::parse("{}");
-        report.result = runOperation(state, name, JsonObjectReader(args ? *args : empty.root()));
+        report.result = runOperation(targets, name, JsonObjectReader(args ? *args : empty.root()));
     } catch (const std::exception& error) {
         report.ok = false;
         report.error = error.what();
     }
-    report.lastError = state.lastError();
+    report.lastError = targets.lastError();
     if (report.lastError) report.ok = false;
-    state.setLastError(std::nullopt); // each line reports its own problems
+    targets.clearLastError(); // each line reports its own problems
     report.loadFailureMessage = state.loadFailureMessage();
     report.undoTitle = state.undoTitle();
     report.redoTitle = state.redoTitle();
@@ -188,7 +241,7 @@ ScriptLineReport runScriptLine(MibrelWorkspaceState& state, const std::string& l
 }
 
 void runScript(CliContext& context, const EditOptions& options) {
-    auto state = bindWorkspace(absolutePath(options.path));
+    auto targets = bindProject(options.path);
     std::ifstream file;
     if (options.script != "-") {
         file.open(options.script);
@@ -197,15 +250,14 @@ void runScript(CliContext& context, const EditOptions& options) {
     std::istream& input = options.script == "-" ? std::cin : file;
     for (std::string line; std::getline(input, line);) {
         if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
-        context.out << platform::json::encodeCompact(runScriptLine(*state, line)) << '\n';
+        context.out << platform::json::encodeCompact(runScriptLine(*targets, line)) << '\n';
     }
 }
 
 void runSingle(CliContext& context, const EditOptions& options) {
-    auto state = bindWorkspace(absolutePath(options.path));
-    if (state->loadFailureMessage() && options.operation != "setAsideDamagedWorkspaceAndContinue") {
-        throw std::runtime_error(*state->loadFailureMessage());
-    }
+    auto targets = bindProject(options.path);
+    const auto& loadFailure = targets->workspace.loadFailureMessage();
+    if (loadFailure && options.operation != "setAsideDamagedWorkspaceAndContinue") throw std::runtime_error(*loadFailure);
     const std::string argumentsJSON = options.argumentsJSON.empty() ? "{}" : options.argumentsJSON;
     std::optional<JsonDocument> document;
     try {
@@ -213,8 +265,8 @@ void runSingle(CliContext& context, const EditOptions& options) {
     } catch (const DecodingError& error) {
         throw UsageError(std::string("The arguments are not JSON. ") + error.what());
     }
-    const Result result = runOperation(*state, options.operation, JsonObjectReader(document->root()));
-    if (state->lastError()) throw std::runtime_error(*state->lastError());
+    const Result result = runOperation(*targets, options.operation, JsonObjectReader(document->root()));
+    if (const auto error = targets->lastError()) throw std::runtime_error(*error);
     if (result) context.out << *result << '\n';
 }
 
@@ -235,8 +287,8 @@ void addEditCommands(CLI::App& app, CliContext& context) {
     auto options = std::make_shared<EditOptions>();
     CLI::App* command = addCommand(
         app, context, "edit",
-        "Run workspace operations exactly as the window does: each one saves, can be undone within the run, and is "
-        "logged to the audit trail. Operations: " +
+        "Run workspace and source operations exactly as the window does: each one saves; workspace edits can be "
+        "undone within the run and are logged to the audit trail. Operations: " +
             operationNames() + ".",
         [&context, options] { edit(context, *options); });
     command->add_option("path", options->path, "The project package")->required();

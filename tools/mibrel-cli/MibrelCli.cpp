@@ -25,6 +25,12 @@ TeskProjectManifest openProject(const std::filesystem::path& projectURL) {
     return TeskProjectArchive::loadManifest(projectURL);
 }
 
+std::filesystem::path openedProject(const std::string& typed) {
+    auto projectURL = absolutePath(typed);
+    openProject(projectURL);
+    return projectURL;
+}
+
 std::filesystem::path absolutePath(const std::string& typed) {
     std::filesystem::path path = std::filesystem::absolute(typed).lexically_normal();
     if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();
@@ -40,6 +46,7 @@ int runMibrelCli(int argc, const char* const* argv, std::ostream& out, std::ostr
     addSourcesCommands(app, context);
     addAuditCommands(app, context);
     addEditCommands(app, context);
+    addImportCommands(app, context);
 
     try {
         app.parse(argc, argv);
