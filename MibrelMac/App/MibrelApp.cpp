@@ -4,6 +4,8 @@
 
 #include <QUrlQuery>
 
+#include "MibrelCore/Export/TeskFindingsExporter.h"
+#include "MibrelCore/Export/TeskHandoffExporter.h"
 #include "MibrelMac/App/MibrelAuditHook.h"
 #include "MibrelMac/App/MibrelLaunchArguments.h"
 #include "MibrelMac/State/MibrelDataFiles.h"
@@ -18,6 +20,14 @@ const QString kURLScheme = QStringLiteral("merivante-mibrel");
 MibrelApp::MibrelApp(MibrelPanels& panels, QSettings& settings, QStringList arguments, QObject* parent)
     : QObject(parent), m_arguments(std::move(arguments)), m_session(panels, settings), m_sourcesState(panels, &settings) {
     connect(&m_session, &MibrelProjectSession::projectURLChanged, this, &MibrelApp::projectDidChange);
+    m_session.setHandoffExporter([](const std::filesystem::path& output, const std::filesystem::path& projectURL,
+                                    const std::string& title, const std::string& appVersion) {
+        TeskHandoffExporter::exportBundle(projectURL, title, appVersion, output);
+    });
+    m_session.setFindingsPacketExporter([](const std::filesystem::path& output, const std::filesystem::path& projectURL,
+                                           const std::string& title, const std::string& appVersion) {
+        TeskFindingsExporter::exportPacket(projectURL, title, appVersion, output);
+    });
 }
 
 void MibrelApp::rootDidAppear() {

@@ -115,6 +115,8 @@ void MibrelProjectSession::runExport(const Exporter& exporter, const std::string
     if (!hasProject() || !exporter) return;
     const auto output = m_panels.runSavePanel({title, message, m_projectURL->stem().string() + extension});
     if (!output) return;
+    // No save first: the exporters read the package, and every workspace and source edit
+    // is already on disk by the time a menu item can be chosen.
     try {
         exporter(*output, *m_projectURL, m_manifest->title, m_manifest->appVersion);
         m_panels.revealInFileManager(*output);

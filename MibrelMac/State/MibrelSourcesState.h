@@ -11,6 +11,7 @@
 #include <QObject>
 
 #include "MibrelCore/Import/TeskResponsesImport.h"
+#include "MibrelCore/Model/TeskWorkspace.h"
 #include "MibrelCore/Sources/TeskSource.h"
 #include "MibrelCore/Sources/TeskTranscript.h"
 #include "MibrelMac/State/MibrelImportNotice.h"
@@ -78,6 +79,11 @@ public:
     void updateSource(const TeskSource& source);
     void updateTranscript(const TeskTranscript& transcript, const Uuid& sourceID);
     void deleteSource(Uuid sourceID); // by value: callers often pass an id held in the list it changes
+
+    // Puts the selected source's coded transcript on the clipboard, as HTML (highlights and
+    // code bubbles) and as plain text; false, clipboard untouched, without a selected
+    // source that has a transcript.
+    bool copyTranscriptForWord(const TeskWorkspace& workspace);
 
     // The recording's file in the package, if the source names one and it exists.
     std::optional<std::filesystem::path> mediaURL(const TeskSource& source) const;

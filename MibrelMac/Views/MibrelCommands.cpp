@@ -99,8 +99,10 @@ void MibrelCommands::addEditMenu(QMainWindow& window) {
     connect(&workspace.undoStack(), &QUndoStack::indexChanged, this, &MibrelCommands::refresh);
     connect(&workspace, &MibrelWorkspaceState::undoTickChanged, this, &MibrelCommands::refresh);
     edit->addSeparator();
-    projectAction(unavailable(
-        addAction(edit, QStringLiteral("Copy Transcript for Word"), QKeySequence(QStringLiteral("Alt+Ctrl+C")))));
+    QAction* copyForWord =
+        projectAction(addAction(edit, QStringLiteral("Copy Transcript for Word"), QKeySequence(QStringLiteral("Alt+Ctrl+C"))));
+    connect(copyForWord, &QAction::triggered, this,
+            [this] { m_app.sourcesState().copyTranscriptForWord(m_app.workspaceState().workspace()); });
     edit->addSeparator();
     connect(addAction(edit, QStringLiteral("Settings…"), QKeySequence(QStringLiteral("Ctrl+,"))),
             &QAction::triggered, this, &MibrelCommands::settingsRequested);

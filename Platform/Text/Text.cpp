@@ -1,6 +1,7 @@
 #include "Platform/Text/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -275,6 +276,42 @@ std::size_t characterCount(std::string_view text) {
 
 std::string characterPrefix(std::string_view text, std::size_t count) {
     return std::string(text.substr(0, characterSpan(text, count).end));
+}
+
+std::size_t whitespaceSeparatedRunCount(std::string_view text) {
+    static constexpr auto kAsciiSpace = [] {
+        std::array<bool, 128> table{};
+        for (const unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) table[c] = true;
+        return table;
+    }();
+    std::size_t runs = 0;
+    bool inRun = false;
+    for (std::size_t pos = 0; pos < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[pos]);
+        bool space;
+        if (byte < 0x80) {
+            space = kAsciiSpace[byte];
+            ++pos;
+        } else {
+            space = isWhitespace(nextCodePoint(text, pos));
+        }
+        runs += static_cast<std::size_t>(!space && !inRun);
+        inRun = !space;
+    }
+    return runs;
+}
+
+std::string lowercased(std::string_view text) {
+    if (isAscii(text) || !fitsICU(text)) {
+        std::string lower(text);
+        std::transform(lower.begin(), lower.end(), lower.begin(), asciiLower);
+        return lower;
+    }
+    icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+    std::string lower;
+    unicode.toLower(icu::Locale::getRoot()).toUTF8String(lower);
+    return lower;
 }
 
 std::weak_ordering localizedStandardCompare(std::string_view lhs, std::string_view rhs) {

@@ -28,6 +28,13 @@ std::size_t characterCount(std::string_view text);
 // The first `count` user-perceived characters (the whole text when it is shorter).
 std::string characterPrefix(std::string_view text, std::size_t count);
 
+// Runs of characters other than Unicode white space (newlines included): a word count in
+// which punctuation stays part of its word.
+std::size_t whitespaceSeparatedRunCount(std::string_view text);
+
+// Unicode full lower-casing, independent of the locale ("İ" becomes "i̇", "ẞ" becomes "ß").
+std::string lowercased(std::string_view text);
+
 // Localized standard order: case-insensitive, accent-sensitive, digit runs compared
 // as numbers ("Interview 2" before "Interview 10"). One shared collator.
 std::weak_ordering localizedStandardCompare(std::string_view lhs, std::string_view rhs);

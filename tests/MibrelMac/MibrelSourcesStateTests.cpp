@@ -285,5 +285,33 @@ TEST(MibrelSourcesStateSubtitle, OnlyLongLabelsOfRecordingsAskForANewName) {
     EXPECT_EQ(MibrelSourcesState::subtitle(source), ordinary);
 }
 
+TEST_F(MibrelSourcesStateTest, CopyingForWordPutsTheSelectedTranscriptOnTheClipboardInBothForms) {
+    TeskWorkspace workspace;
+    EXPECT_FALSE(state.copyTranscriptForWord(workspace));
+    importThree();
+    state.select(std::nullopt);
+    EXPECT_FALSE(state.copyTranscriptForWord(workspace));
+    state.select(Uuid::random());
+    EXPECT_FALSE(state.copyTranscriptForWord(workspace));
+    EXPECT_FALSE(panels.clipboardHTML || panels.clipboardText);
+
+    const TeskSource source = state.sources()[1];
+    TeskCode code;
+    code.name = "Workload";
+    workspace.codes.append(code);
+    TeskCodeApplication application;
+    application.response = {source.id, state.transcript(source.id).segments.front().id, 8, 9};
+    application.codeID = code.id;
+    workspace.applications.append(application);
+    state.select(source.id);
+    EXPECT_TRUE(state.copyTranscriptForWord(workspace));
+    EXPECT_EQ(panels.clipboardText, "B\n\n¶: Text of B  [Workload]\n\n");
+    ASSERT_TRUE(panels.clipboardHTML);
+    EXPECT_TRUE(panels.clipboardHTML->starts_with("<html>"));
+    EXPECT_NE(panels.clipboardHTML->find(">B</h2>"), std::string::npos);
+    EXPECT_NE(panels.clipboardHTML->find("Text of <span style=\"background-color:#DFF2E9;\">B</span>"),
+              std::string::npos);
+}
+
 } // namespace
 } // namespace mibrel

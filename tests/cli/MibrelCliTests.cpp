@@ -242,6 +242,38 @@ TEST_F(MibrelCliTest, ImportsReadDocumentsAndTablesAndFailInTheReadersWords) {
               kExitFailure);
 }
 
+TEST_F(MibrelCliTest, ExportsWriteThePacketAndTheHandoffBundle) {
+    const std::string project = createProject();
+    const std::string packet = (folder / "study.zvk").string();
+    const CliResult empty = run({"export", "packet", project, packet});
+    EXPECT_EQ(empty.status, kExitFailure);
+    EXPECT_EQ(empty.err, "Could not save project: This project has no themes or quotes to present yet.\n");
+    EXPECT_FALSE(std::filesystem::exists(packet));
+
+    writeText(folder / "Interview 1.txt", "We stayed.\n\nFor the school.");
+    ASSERT_EQ(run({"import", "transcript", project, (folder / "Interview 1.txt").string()}).status, kExitSuccess);
+    ASSERT_EQ(run({"edit", project, "addTheme", R"({"name":"Belonging"})"}).status, kExitSuccess);
+
+    const CliResult written = run({"export", "packet", project, packet});
+    ASSERT_EQ(written.status, kExitSuccess) << written.err;
+    EXPECT_NE(written.out.find("\"themes\": 1"), std::string::npos);
+    EXPECT_NE(written.out.find("\"sources\": 1"), std::string::npos);
+    EXPECT_NE(readText(packet).find("\"datasetName\": \"Study\""), std::string::npos);
+    ASSERT_EQ(run({"export", "packet", project, packet, "--title", "Pilot"}).status, kExitSuccess);
+    EXPECT_NE(readText(packet).find("\"datasetName\": \"Pilot\""), std::string::npos);
+
+    const std::string bundle = (folder / "study.mvibrl-handoff").string();
+    const CliResult handedOff = run({"export", "handoff", project, bundle});
+    ASSERT_EQ(handedOff.status, kExitSuccess) << handedOff.err;
+    EXPECT_NE(handedOff.out.find("\"path\": \"" + bundle + "\""), std::string::npos);
+    EXPECT_NE(handedOff.out.find("\"themes\": 1"), std::string::npos);
+    EXPECT_EQ(readText(folder / "study.mvibrl-handoff" / "handoff" / "dataset.csv"),
+              "case_id,participant_label,interview_text\n1,Interview 1,\"We stayed.\n\nFor the school.\"\n");
+    EXPECT_NE(readText(folder / "study.mvibrl-handoff" / "handoff" / "manifest.json").find("\"qualProjectTitle\": \"Study\""),
+              std::string::npos);
+    EXPECT_EQ(run({"export", "handoff", project}).status, kExitUsage);
+}
+
 TEST(MibrelCliUsage, HelpAtEveryLevelAndUsageErrors) {
     for (const auto& command : std::vector<std::vector<std::string>>{
              {"--help"}, {"project", "--help"}, {"project", "create", "--help"}, {"workspace", "show", "--help"},

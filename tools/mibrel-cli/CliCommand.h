@@ -51,5 +51,12 @@ void addSourcesCommands(CLI::App& app, CliContext& context);
 void addAuditCommands(CLI::App& app, CliContext& context);
 void addEditCommands(CLI::App& app, CliContext& context);
 void addImportCommands(CLI::App& app, CliContext& context);
+void addExportCommands(CLI::App& app, CliContext& context);
+// `dev generate`.
+void addDevCommands(CLI::App& app, CliContext& context);
+// `analyze` and `report`.
+void addAnalyzeCommands(CLI::App& app, CliContext& context);
+// `export word`, under the export command.
+void addExportWordCommand(CLI::App& exportCommand, CliContext& context);
 
 } // namespace mibrel::cli

@@ -11,10 +11,9 @@
 #include <vector>
 
 #include "MibrelMac/App/MibrelAuditHook.h"
-#include "MibrelMac/State/MibrelScriptedPanels.h"
-#include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelWorkspaceState.h"
 #include "Platform/Json/JsonFields.h"
+#include "tools/mibrel-cli/BoundProject.h"
 #include "tools/mibrel-cli/CliCommand.h"
 
 namespace mibrel::cli {
@@ -54,18 +53,7 @@ using Operation = std::function<Result(State&, const Arguments&)>;
 template <class State>
 using OperationTable = std::map<std::string, Operation<State>, std::less<>>;
 
-// The project's two state objects, bound as the window binds them.
-struct EditTargets {
-    MibrelScriptedPanels panels;
-    MibrelWorkspaceState workspace;
-    MibrelSourcesState sources{panels};
-
-    std::optional<std::string> lastError() const { return workspace.lastError() ? workspace.lastError() : sources.lastError(); }
-    void clearLastError() {
-        workspace.setLastError(std::nullopt);
-        sources.setLastError(std::nullopt);
-    }
-};
+using EditTargets = BoundProject;
 
 Result idResult(const std::optional<Uuid>& id) { return id ? Result(id->uuidString()) : std::nullopt; }
 
@@ -205,15 +193,11 @@ struct ScriptLineReport {
     }
 };
 
-// The project bound as the window binds it, with edits logged to its audit trail. A
-// damaged transcript is reported by the window once; it does not fail every edit here.
+// The project bound as the window binds it, with edits logged to its audit trail.
 std::unique_ptr<EditTargets> bindProject(const std::string& typed) {
     const auto projectURL = openedProject(typed);
-    auto targets = std::make_unique<EditTargets>();
-    targets->workspace.bind(projectURL);
+    auto targets = std::make_unique<EditTargets>(projectURL);
     targets->workspace.onAuditEvent = auditTrailHook(targets->workspace, projectURL);
-    targets->sources.bind(projectURL);
-    targets->sources.setLastError(std::nullopt);
     return targets;
 }
 

@@ -47,6 +47,9 @@ int runMibrelCli(int argc, const char* const* argv, std::ostream& out, std::ostr
     addAuditCommands(app, context);
     addEditCommands(app, context);
     addImportCommands(app, context);
+    addExportCommands(app, context);
+    addAnalyzeCommands(app, context);
+    addDevCommands(app, context);
 
     try {
         app.parse(argc, argv);

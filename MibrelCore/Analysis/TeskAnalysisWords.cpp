@@ -1,0 +1,323 @@
+#include <array>
+#include <cstring>
+#include <thread>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "MibrelCore/Analysis/TeskAnalysisEngine.h"
+#include "MibrelCore/Analysis/TeskAnalysisSupport.h"
+
+namespace mibrel {
+namespace analysis {
+
+std::int64_t wordCount(std::string_view text) {
+    return static_cast<std::int64_t>(platform::text::whitespaceSeparatedRunCount(text));
+}
+
+} // namespace analysis
+
+namespace TeskAnalysisEngine {
+namespace {
+
+constexpr std::array<std::string_view, 78> kStopwords{
+    "a",     "an",    "and",  "are",  "as",    "at",    "be",    "been",    "but",  "by",   "can",  "could", "did",
+    "do",    "does",  "for",  "from", "had",   "has",   "have",  "he",      "her",  "here", "him",  "his",   "how",
+    "i",     "if",    "in",   "into", "is",    "it",    "its",   "just",    "me",   "more", "most", "my",    "no",
+    "not",   "of",    "on",   "or",   "our",   "out",   "she",   "so",      "some", "than", "that", "the",   "their",
+    "them",  "then",  "there", "these", "they", "this", "those", "through", "to",   "too",  "up",   "us",    "very",
+    "was",   "we",    "were", "what", "when",  "where", "who",   "why",     "will", "with", "would", "you",  "your"};
+
+const std::unordered_set<std::string_view>& stopwords() {
+    static const std::unordered_set<std::string_view> words(kStopwords.begin(), kStopwords.end());
+    return words;
+}
+
+bool isWordByte(char byte) {
+    return (byte >= 'a' && byte <= 'z') || (byte >= '0' && byte <= '9') || byte == '\'' || byte == '-';
+}
+
+bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
+
+// Apostrophes and hyphens go from both ends; what is left must have two characters or more.
+std::string_view trimmedPiece(std::string_view piece) {
+    while (!piece.empty() && (piece.front() == '\'' || piece.front() == '-')) piece.remove_prefix(1);
+    while (!piece.empty() && (piece.back() == '\'' || piece.back() == '-')) piece.remove_suffix(1);
+    return piece.size() < 2 ? std::string_view() : piece;
+}
+
+// A word survives unless it is a stop word or digits alone.
+bool isKept(std::string_view piece) {
+    return !stopwords().contains(piece) && !std::all_of(piece.begin(), piece.end(), isDigit);
+}
+
+// Calls `visit` with each piece of two or more characters, trimmed but not yet judged.
+// After lower-casing, only ASCII letters, digits, apostrophes and hyphens can be part of a
+// word, so every other byte (all of a non-ASCII character's bytes included) separates words.
+template <class Visit>
+void forEachPiece(std::string_view text, Visit visit) {
+    thread_local std::string lower;
+    const bool plain = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    if (plain) {
+        lower.assign(text);
+        for (char& c : lower) c = (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+    } else {
+        lower = platform::text::lowercased(text);
+    }
+    const std::string_view view(lower);
+    std::size_t start = 0;
+    for (std::size_t pos = 0; pos <= view.size(); ++pos) {
+        if (pos < view.size() && isWordByte(view[pos])) continue;
+        if (pos > start) {
+            if (const std::string_view piece = trimmedPiece(view.substr(start, pos - start)); !piece.empty()) visit(piece);
+        }
+        start = pos + 1;
+    }
+}
+
+template <class Visit>
+void forEachToken(std::string_view text, Visit visit) {
+    forEachPiece(text, [&visit](std::string_view piece) {
+        if (isKept(piece)) visit(piece);
+    });
+}
+
+// Lower-case ASCII word bytes; 0 for every byte that separates words.
+constexpr std::array<char, 256> kWordByte = [] {
+    std::array<char, 256> table{};
+    for (int c = 'a'; c <= 'z'; ++c) table[static_cast<std::size_t>(c)] = static_cast<char>(c);
+    for (int c = 'A'; c <= 'Z'; ++c) table[static_cast<std::size_t>(c)] = static_cast<char>(c - 'A' + 'a');
+    for (int c = '0'; c <= '9'; ++c) table[static_cast<std::size_t>(c)] = static_cast<char>(c);
+    table['\''] = '\'';
+    table['-'] = '-';
+    return table;
+}();
+
+char wordByte(char byte) { return kWordByte[static_cast<unsigned char>(byte)]; }
+
+// Counts words in an open-addressing table: a corpus has millions of words but only
+// thousands of distinct ones, so nearly every step is a hit in a table that stays in
+// cache. A slot holds a word's first eight bytes packed into an integer, so most words
+// compare in one step; the bytes themselves sit in one shared buffer. Stop words and
+// numbers are counted too and dropped once at the end, instead of looked up per word.
+class WordCounter {
+public:
+    WordCounter() : m_slots(1 << 13) {}
+
+    // `word` is lower-case already.
+    void add(std::string_view word, std::int64_t count = 1) {
+        const Key key = keyOf(word);
+        for (std::size_t index = key.hash & (m_slots.size() - 1);; index = (index + 1) & (m_slots.size() - 1)) {
+            Slot& slot = m_slots[index];
+            if (slot.count == 0) {
+                insert(slot, key, word, count);
+                return;
+            }
+            if (slot.prefix == key.prefix && slot.length == word.size() && (word.size() <= 8 || wordAt(slot) == word)) {
+                slot.count += count;
+                return;
+            }
+        }
+    }
+
+    void merge(const WordCounter& other) {
+        other.forEach([this](std::string_view word, std::int64_t count) { add(word, count); });
+    }
+
+    template <class Visit>
+    void forEach(Visit visit) const {
+        for (const Slot& slot : m_slots) {
+            if (slot.count > 0) visit(wordAt(slot), slot.count);
+        }
+    }
+
+private:
+    struct Key {
+        std::uint64_t prefix;
+        std::size_t hash;
+    };
+    struct Slot {
+        std::uint64_t prefix = 0;
+        std::uint32_t offset = 0;
+        std::uint32_t length = 0;
+        std::int64_t count = 0;
+        std::size_t hash = 0;
+    };
+
+    static Key keyOf(std::string_view word) {
+        std::uint64_t prefix = 0;
+        std::memcpy(&prefix, word.data(), std::min<std::size_t>(word.size(), 8));
+        std::uint64_t mixed = prefix ^ (word.size() << 56);
+        for (std::size_t at = 8; at < word.size(); at += 8) {
+            std::uint64_t chunk = 0;
+            std::memcpy(&chunk, word.data() + at, std::min<std::size_t>(word.size() - at, 8));
+            mixed = (mixed ^ chunk) * 0x9E3779B97F4A7C15ull;
+        }
+        // Every bit of the word must reach the low bits that pick the slot.
+        mixed ^= mixed >> 33;
+        mixed *= 0xFF51AFD7ED558CCDull;
+        mixed ^= mixed >> 33;
+        return {prefix, static_cast<std::size_t>(mixed)};
+    }
+
+    void insert(Slot& slot, const Key& key, std::string_view word, std::int64_t count) {
+        slot = {key.prefix, static_cast<std::uint32_t>(m_bytes.size()), static_cast<std::uint32_t>(word.size()), count, key.hash};
+        m_bytes.append(word);
+        if (++m_used * 2 > m_slots.size()) grow();
+    }
+
+    void grow() {
+        std::vector<Slot> old(m_slots.size() * 2);
+        old.swap(m_slots);
+        for (const Slot& slot : old) {
+            if (slot.count == 0) continue;
+            std::size_t index = slot.hash & (m_slots.size() - 1);
+            while (m_slots[index].count != 0) index = (index + 1) & (m_slots.size() - 1);
+            m_slots[index] = slot;
+        }
+    }
+
+    std::string_view wordAt(const Slot& slot) const { return std::string_view(m_bytes).substr(slot.offset, slot.length); }
+
+    std::vector<Slot> m_slots;
+    std::string m_bytes;
+    std::size_t m_used = 0;
+};
+
+// One pass over plain ASCII text, lower-casing each word into a small buffer; text with
+// other characters is lower-cased as a whole first (that can turn a non-ASCII letter into
+// an ASCII one).
+void countPieces(std::string_view text, WordCounter& counter) {
+    const bool plain = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    if (!plain) {
+        forEachPiece(text, [&counter](std::string_view piece) { counter.add(piece); });
+        return;
+    }
+    std::string lower;
+    std::size_t start = 0;
+    for (std::size_t pos = 0; pos <= text.size(); ++pos) {
+        if (pos < text.size() && wordByte(text[pos]) != 0) continue;
+        if (pos > start) {
+            if (const std::string_view piece = trimmedPiece(text.substr(start, pos - start)); !piece.empty()) {
+                lower.resize(piece.size());
+                for (std::size_t i = 0; i < piece.size(); ++i) lower[i] = wordByte(piece[i]);
+                counter.add(lower);
+            }
+        }
+        start = pos + 1;
+    }
+}
+
+// The codes a theme reaches: its own and those of its categories.
+std::unordered_set<Uuid> themeCodes(const TeskWorkspace& workspace, const Uuid& themeID) {
+    const auto theme = std::find_if(workspace.themes.begin(), workspace.themes.end(),
+                                    [&](const TeskTheme& t) { return t.id == themeID; });
+    if (theme == workspace.themes.end()) return {};
+    std::unordered_set<Uuid> codes(theme->codeIDs.begin(), theme->codeIDs.end());
+    const std::unordered_set<Uuid> categories(theme->categoryIDs.begin(), theme->categoryIDs.end());
+    for (const TeskCategory& category : workspace.categories) {
+        if (categories.contains(category.id)) codes.insert(category.codeIDs.begin(), category.codeIDs.end());
+    }
+    return codes;
+}
+
+bool hasExcerpt(const TeskCodeApplication& application) {
+    return application.excerpt && !platform::text::isBlank(*application.excerpt);
+}
+
+// The texts of the segments these applications point at (first match in each
+// transcript), reading only the transcripts of sources that are pointed at.
+std::unordered_map<analysis::SegmentKey, std::string_view, analysis::SegmentKeyHash> segmentTexts(
+    const TeskAnalysisCorpus& corpus, const std::vector<const TeskCodeApplication*>& applications) {
+    std::unordered_map<analysis::SegmentKey, std::string_view, analysis::SegmentKeyHash> texts;
+    std::unordered_set<Uuid> sources;
+    for (const TeskCodeApplication* application : applications) {
+        if (hasExcerpt(*application)) continue;
+        sources.insert(application->response.sourceID);
+        texts.try_emplace(analysis::keyOf(application->response), std::string_view());
+    }
+    std::unordered_set<analysis::SegmentKey, analysis::SegmentKeyHash> found;
+    for (const Uuid& sourceID : sources) {
+        const auto transcript = corpus.transcripts.find(sourceID);
+        if (transcript == corpus.transcripts.end()) continue;
+        for (const TranscriptSegment& segment : transcript->second.segments) {
+            const analysis::SegmentKey key{sourceID, segment.id};
+            const auto wanted = texts.find(key);
+            if (wanted != texts.end() && found.insert(key).second) wanted->second = segment.text;
+        }
+    }
+    return texts;
+}
+
+// The sources split in two halves, counted side by side: the corpus is the one scope that
+// reads every transcript.
+WordCounter countCorpus(const TeskAnalysisCorpus& corpus) {
+    const auto countRange = [&corpus](std::size_t first, std::size_t last, WordCounter& counts) {
+        for (std::size_t i = first; i < last; ++i) {
+            const auto found = corpus.transcripts.find(corpus.sources[i].id);
+            if (found == corpus.transcripts.end()) continue;
+            for (const TranscriptSegment& segment : found->second.segments) countPieces(segment.text, counts);
+        }
+    };
+    const std::size_t half = corpus.sources.size() / 2;
+    WordCounter first;
+    WordCounter second;
+    std::thread helper(countRange, half, corpus.sources.size(), std::ref(second));
+    countRange(0, half, first);
+    helper.join();
+    first.merge(second);
+    return first;
+}
+
+WordCounter countWords(const TeskAnalysisCorpus& corpus, const WordFrequencyScope& scope) {
+    WordCounter counts;
+    if (std::holds_alternative<CorpusScope>(scope)) return countCorpus(corpus);
+    const std::unordered_set<Uuid> codes = std::holds_alternative<CodeScope>(scope)
+                                               ? std::unordered_set<Uuid>{std::get<CodeScope>(scope).id}
+                                               : themeCodes(corpus.workspace, std::get<ThemeScope>(scope).id);
+    std::vector<const TeskCodeApplication*> scoped;
+    for (const TeskCodeApplication& application : corpus.workspace.applications) {
+        if (codes.contains(application.codeID)) scoped.push_back(&application);
+    }
+    const auto texts = segmentTexts(corpus, scoped);
+    for (const TeskCodeApplication* application : scoped) {
+        // A segment coded twice in scope is counted twice.
+        countPieces(hasExcerpt(*application) ? std::string_view(*application->excerpt)
+                                             : texts.at(analysis::keyOf(application->response)),
+                    counts);
+    }
+    return counts;
+}
+
+} // namespace
+
+std::vector<std::string> tokenize(std::string_view text) {
+    std::vector<std::string> tokens;
+    forEachToken(text, [&tokens](std::string_view token) { tokens.emplace_back(token); });
+    return tokens;
+}
+
+std::vector<TeskWordFrequencyRow> wordFrequency(const TeskAnalysisCorpus& corpus, const WordFrequencyScope& scope,
+                                                std::int64_t minCount, std::int64_t limit) {
+    if (limit <= 0) return {};
+    std::vector<TeskWordFrequencyRow> rows;
+    countWords(corpus, scope).forEach([&](std::string_view word, std::int64_t count) {
+        if (count >= minCount && isKept(word)) rows.push_back({std::string(word), count});
+    });
+    // Only the first `limit` rows are wanted: rank by count alone first, then order the
+    // rows that can still make the cut (ties at the boundary included) by name.
+    auto byCount = [](const auto& a, const auto& b) { return a.count > b.count; };
+    if (static_cast<std::size_t>(limit) < rows.size()) {
+        std::nth_element(rows.begin(), rows.begin() + (limit - 1), rows.end(), byCount);
+        const std::int64_t boundary = rows[static_cast<std::size_t>(limit - 1)].count;
+        std::erase_if(rows, [boundary](const auto& row) { return row.count < boundary; });
+    }
+    std::sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
+        if (a.count != b.count) return a.count > b.count;
+        return analysis::naturallyBefore(a.word, b.word);
+    });
+    if (static_cast<std::size_t>(limit) < rows.size()) rows.resize(static_cast<std::size_t>(limit));
+    return rows;
+}
+
+} // namespace TeskAnalysisEngine
+} // namespace mibrel
