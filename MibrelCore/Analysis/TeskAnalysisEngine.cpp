@@ -33,15 +33,32 @@ std::vector<CodedSegment> codedSegments(const TeskWorkspace& workspace) {
         entries.push_back({hash(key), key, application.codeID});
     }
     std::sort(entries.begin(), entries.end(), [](const CodedSegment& a, const CodedSegment& b) {
-        return std::tie(a.hash, a.key.sourceID, a.key.segmentID, a.codeID) <
-               std::tie(b.hash, b.key.sourceID, b.key.segmentID, b.codeID);
+        return std::tie(a.hash, a.codeID) < std::tie(b.hash, b.codeID);
     });
     return entries;
 }
 
+std::unordered_map<Uuid, CodeEvidence> evidenceByCode(const TeskWorkspace& workspace) {
+    std::vector<std::pair<Uuid, Uuid>> pairs; // code, source
+    pairs.reserve(workspace.applications.size());
+    for (const TeskCodeApplication& application : workspace.applications) {
+        pairs.emplace_back(application.codeID, application.response.sourceID);
+    }
+    std::sort(pairs.begin(), pairs.end());
+    std::unordered_map<Uuid, CodeEvidence> evidence;
+    CodeEvidence* current = nullptr;
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        if (i == 0 || pairs[i].first != pairs[i - 1].first) current = &evidence[pairs[i].first];
+        ++current->applications;
+        if (current->sources.empty() || current->sources.back() != pairs[i].second) current->sources.push_back(pairs[i].second);
+    }
+    return evidence;
+}
+
 std::int64_t codedSegmentCount(const TeskWorkspace& workspace) {
     std::int64_t count = 0;
-    forEachSegmentGroup(codedSegments(workspace), [&count](const CodedSegment*, const CodedSegment*) { ++count; });
+    auto entries = codedSegments(workspace);
+    forEachSegmentGroup(entries, [&count](const CodedSegment*, const CodedSegment*) { ++count; });
     return count;
 }
 
@@ -54,21 +71,6 @@ using analysis::SegmentKey;
 using analysis::SegmentKeyHash;
 
 constexpr std::string_view kFallbackCodeName = "Code";
-
-struct CodeTally {
-    std::int64_t count = 0;
-    std::unordered_set<Uuid> sources;
-};
-
-std::unordered_map<Uuid, CodeTally> tallyByCode(const TeskWorkspace& workspace) {
-    std::unordered_map<Uuid, CodeTally> tallies;
-    for (const TeskCodeApplication& application : workspace.applications) {
-        CodeTally& tally = tallies[application.codeID];
-        ++tally.count;
-        tally.sources.insert(application.response.sourceID);
-    }
-    return tallies;
-}
 
 } // namespace
 
@@ -102,13 +104,13 @@ TeskCorpusOverview corpusOverview(const TeskAnalysisCorpus& corpus) {
 }
 
 std::vector<TeskCodeFrequencyRow> codeFrequency(const TeskAnalysisCorpus& corpus) {
-    const auto tallies = tallyByCode(corpus.workspace);
+    const auto evidence = analysis::evidenceByCode(corpus.workspace);
     std::vector<TeskCodeFrequencyRow> rows;
     rows.reserve(corpus.workspace.codes.size());
     for (const TeskCode& code : corpus.workspace.codes) {
         TeskCodeFrequencyRow row{code.id, code.name, code.definition, 0, 0};
-        if (const auto found = tallies.find(code.id); found != tallies.end()) {
-            row.applicationCount = found->second.count;
+        if (const auto found = evidence.find(code.id); found != evidence.end()) {
+            row.applicationCount = found->second.applications;
             row.sourceSpread = static_cast<std::int64_t>(found->second.sources.size());
         }
         rows.push_back(std::move(row));
@@ -162,7 +164,8 @@ std::vector<TeskCodeCooccurrenceRow> codeCooccurrence(const TeskAnalysisCorpus& 
     const auto names = analysis::codeNames(corpus.workspace);
     std::map<std::pair<Uuid, Uuid>, std::size_t> rowIndex;
     std::vector<TeskCodeCooccurrenceRow> rows;
-    analysis::forEachSegmentGroup(analysis::codedSegments(corpus.workspace), [&](const auto* first, const auto* last) {
+    auto entries = analysis::codedSegments(corpus.workspace);
+    analysis::forEachSegmentGroup(entries, [&](const auto* first, const auto* last) {
         std::vector<Uuid> ids; // distinct and ascending: the group is sorted by code id
         for (const auto* entry = first; entry != last; ++entry) {
             if (ids.empty() || ids.back() != entry->codeID) ids.push_back(entry->codeID);

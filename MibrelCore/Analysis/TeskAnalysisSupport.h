@@ -4,7 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -39,21 +41,42 @@ struct CodedSegment {
     Uuid codeID;
 };
 
-// The applications' segments and codes, sorted so that one segment's entries are adjacent
-// and, within a segment, ordered by code id. Sorting a flat array keeps a project of
-// 100,000 applications clear of a hash node per segment.
+// The applications' segments and codes, ordered by the segment key's hash and then by
+// code id. Sorting a flat array keeps a project of 100,000 applications clear of a hash
+// node per segment.
 std::vector<CodedSegment> codedSegments(const TeskWorkspace& workspace);
 
-// Calls `visit` with each run of entries for one segment.
+// Calls `visit` with each run of entries for one segment, ordered by code id. Entries of
+// different segments that share a hash are separated here.
 template <class Visit>
-void forEachSegmentGroup(const std::vector<CodedSegment>& entries, Visit visit) {
+void forEachSegmentGroup(std::vector<CodedSegment>& entries, Visit visit) {
     for (std::size_t start = 0; start < entries.size();) {
         std::size_t end = start + 1;
-        while (end < entries.size() && entries[end].hash == entries[start].hash && entries[end].key == entries[start].key) ++end;
-        visit(entries.data() + start, entries.data() + end);
+        bool oneKey = true;
+        for (; end < entries.size() && entries[end].hash == entries[start].hash; ++end) {
+            oneKey = oneKey && entries[end].key == entries[start].key;
+        }
+        if (!oneKey) {
+            std::stable_sort(entries.begin() + start, entries.begin() + end, [](const auto& a, const auto& b) {
+                return std::tie(a.key.sourceID, a.key.segmentID) < std::tie(b.key.sourceID, b.key.segmentID);
+            });
+        }
+        for (std::size_t first = start; first < end;) {
+            std::size_t last = first + 1;
+            while (last < end && entries[last].key == entries[first].key) ++last;
+            visit(entries.data() + first, entries.data() + last);
+            first = last;
+        }
         start = end;
     }
 }
+
+// Per code: its applications and the distinct sources they are on.
+struct CodeEvidence {
+    std::int64_t applications = 0;
+    std::vector<Uuid> sources;
+};
+std::unordered_map<Uuid, CodeEvidence> evidenceByCode(const TeskWorkspace& workspace);
 
 // How many distinct segments the applications touch.
 std::int64_t codedSegmentCount(const TeskWorkspace& workspace);
@@ -72,13 +95,28 @@ inline bool naturallyBefore(std::string_view lhs, std::string_view rhs) {
     return platform::text::localizedStandardCompare(lhs, rhs) < 0;
 }
 
-// Stable: higher count first, then natural order of the name.
+// Stable: higher count first, then natural order of the name. Each row's collation key
+// is made once, so large tie groups cost byte comparisons, not collations.
 template <class Row, class Count, class Name>
 void sortByCountThenName(std::vector<Row>& rows, Count count, Name name) {
-    std::stable_sort(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
-        if (count(a) != count(b)) return count(a) > count(b);
-        return naturallyBefore(name(a), name(b));
+    struct Entry {
+        std::int64_t count;
+        std::string key;
+        std::size_t index;
+    };
+    std::vector<Entry> entries;
+    entries.reserve(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        entries.push_back({count(rows[i]), platform::text::localizedStandardSortKey(name(rows[i])), i});
+    }
+    std::stable_sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
+        if (a.count != b.count) return a.count > b.count;
+        return a.key < b.key;
     });
+    std::vector<Row> sorted;
+    sorted.reserve(rows.size());
+    for (const Entry& entry : entries) sorted.push_back(std::move(rows[entry.index]));
+    rows = std::move(sorted);
 }
 
 // Runs of characters other than Unicode white space.

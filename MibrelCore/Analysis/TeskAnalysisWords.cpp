@@ -1,8 +1,13 @@
 #include <array>
+#include <bit>
 #include <cstring>
 #include <thread>
 #include <unordered_map>
 #include <unordered_set>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "MibrelCore/Analysis/TeskAnalysisEngine.h"
 #include "MibrelCore/Analysis/TeskAnalysisSupport.h"
@@ -94,25 +99,53 @@ constexpr std::array<char, 256> kWordByte = [] {
 
 char wordByte(char byte) { return kWordByte[static_cast<unsigned char>(byte)]; }
 
+// Up to eight bytes of a word, lower-cased, packed into one integer (first byte lowest).
+// `wide` says eight bytes may be read at `data`: one load instead of a byte loop. Word
+// bytes are ASCII, so adding to each byte never carries into the next.
+std::uint64_t packedLower(const char* data, std::size_t length, bool wide) {
+    std::uint64_t bytes = 0;
+    if (wide) {
+        std::memcpy(&bytes, data, 8);
+        if (length < 8) bytes &= (std::uint64_t{1} << (8 * length)) - 1;
+    } else {
+        for (std::size_t i = 0; i < length; ++i) bytes |= std::uint64_t{static_cast<unsigned char>(data[i])} << (8 * i);
+    }
+    constexpr std::uint64_t ones = 0x0101010101010101ull;
+    const std::uint64_t atLeastA = bytes + ones * (0x80 - 'A');
+    const std::uint64_t pastZ = bytes + ones * (0x80 - 'Z' - 1);
+    return bytes | (((atLeastA & ~pastZ) & (ones * 0x80)) >> 2);
+}
+
 // Counts words in an open-addressing table: a corpus has millions of words but only
 // thousands of distinct ones, so nearly every step is a hit in a table that stays in
-// cache. A slot holds a word's first eight bytes packed into an integer, so most words
-// compare in one step; the bytes themselves sit in one shared buffer. Stop words and
-// numbers are counted too and dropped once at the end, instead of looked up per word.
+// cache. A slot holds a word's first sixteen bytes packed into two integers, so nearly
+// every word compares in registers; the bytes themselves sit in one shared buffer. Stop
+// words and numbers are counted too and dropped once at the end, instead of looked up
+// per word.
 class WordCounter {
 public:
     WordCounter() : m_slots(1 << 13) {}
 
-    // `word` is lower-case already.
-    void add(std::string_view word, std::int64_t count = 1) {
-        const Key key = keyOf(word);
+    // A word of `length` bytes at `data`, any case; `readable` bytes may be read from `data`.
+    void add(const char* data, std::size_t length, std::size_t readable, std::int64_t count = 1) {
+        Key key{packedLower(data, std::min<std::size_t>(length, 8), readable >= 8), 0, length, 0};
+        if (length > 8) key.second = packedLower(data + 8, std::min<std::size_t>(length - 8, 8), readable >= 16);
+        std::uint64_t mixed = key.first ^ (key.second * 0x9E3779B97F4A7C15ull) ^ (std::uint64_t{length} << 56);
+        for (std::size_t at = 16; at < length; at += 8) {
+            mixed = (mixed ^ packedLower(data + at, std::min<std::size_t>(length - at, 8), readable >= at + 8)) *
+                    0x9E3779B97F4A7C15ull;
+        }
+        mixed ^= mixed >> 33; // every bit of the word must reach the low bits that pick the slot
+        mixed *= 0xFF51AFD7ED558CCDull;
+        key.hash = static_cast<std::size_t>(mixed ^ (mixed >> 33));
         for (std::size_t index = key.hash & (m_slots.size() - 1);; index = (index + 1) & (m_slots.size() - 1)) {
             Slot& slot = m_slots[index];
             if (slot.count == 0) {
-                insert(slot, key, word, count);
+                insert(slot, key, data, count);
                 return;
             }
-            if (slot.prefix == key.prefix && slot.length == word.size() && (word.size() <= 8 || wordAt(slot) == word)) {
+            if (slot.first == key.first && slot.second == key.second && slot.length == length &&
+                (length <= 16 || sameTail(slot, data))) {
                 slot.count += count;
                 return;
             }
@@ -120,7 +153,7 @@ public:
     }
 
     void merge(const WordCounter& other) {
-        other.forEach([this](std::string_view word, std::int64_t count) { add(word, count); });
+        other.forEach([this](std::string_view word, std::int64_t count) { add(word.data(), word.size(), 0, count); });
     }
 
     template <class Visit>
@@ -132,36 +165,32 @@ public:
 
 private:
     struct Key {
-        std::uint64_t prefix;
+        std::uint64_t first;
+        std::uint64_t second;
+        std::size_t length;
         std::size_t hash;
     };
     struct Slot {
-        std::uint64_t prefix = 0;
-        std::uint32_t offset = 0;
-        std::uint32_t length = 0;
+        std::uint64_t first = 0;
+        std::uint64_t second = 0;
         std::int64_t count = 0;
         std::size_t hash = 0;
+        std::uint32_t offset = 0;
+        std::uint32_t length = 0;
     };
 
-    static Key keyOf(std::string_view word) {
-        std::uint64_t prefix = 0;
-        std::memcpy(&prefix, word.data(), std::min<std::size_t>(word.size(), 8));
-        std::uint64_t mixed = prefix ^ (word.size() << 56);
-        for (std::size_t at = 8; at < word.size(); at += 8) {
-            std::uint64_t chunk = 0;
-            std::memcpy(&chunk, word.data() + at, std::min<std::size_t>(word.size() - at, 8));
-            mixed = (mixed ^ chunk) * 0x9E3779B97F4A7C15ull;
+    bool sameTail(const Slot& slot, const char* data) const {
+        const std::string_view stored = wordAt(slot);
+        for (std::size_t i = 16; i < stored.size(); ++i) {
+            if (stored[i] != wordByte(data[i])) return false;
         }
-        // Every bit of the word must reach the low bits that pick the slot.
-        mixed ^= mixed >> 33;
-        mixed *= 0xFF51AFD7ED558CCDull;
-        mixed ^= mixed >> 33;
-        return {prefix, static_cast<std::size_t>(mixed)};
+        return true;
     }
 
-    void insert(Slot& slot, const Key& key, std::string_view word, std::int64_t count) {
-        slot = {key.prefix, static_cast<std::uint32_t>(m_bytes.size()), static_cast<std::uint32_t>(word.size()), count, key.hash};
-        m_bytes.append(word);
+    void insert(Slot& slot, const Key& key, const char* data, std::int64_t count) {
+        slot = {key.first, key.second, count, key.hash, static_cast<std::uint32_t>(m_bytes.size()),
+                static_cast<std::uint32_t>(key.length)};
+        for (std::size_t i = 0; i < key.length; ++i) m_bytes.push_back(wordByte(data[i]));
         if (++m_used * 2 > m_slots.size()) grow();
     }
 
@@ -183,28 +212,76 @@ private:
     std::size_t m_used = 0;
 };
 
-// One pass over plain ASCII text, lower-casing each word into a small buffer; text with
-// other characters is lower-cased as a whole first (that can turn a non-ASCII letter into
-// an ASCII one).
+// Bit i set where byte i of the sixteen at `data` can be part of a word (ASCII input).
+unsigned wordByteMask(const char* data) {
+#if defined(__SSE2__)
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data));
+    const __m128i folded = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
+    const __m128i letter = _mm_and_si128(_mm_cmpgt_epi8(folded, _mm_set1_epi8('a' - 1)), _mm_cmplt_epi8(folded, _mm_set1_epi8('z' + 1)));
+    const __m128i digit = _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8('0' - 1)), _mm_cmplt_epi8(bytes, _mm_set1_epi8('9' + 1)));
+    const __m128i mark = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\'')), _mm_cmpeq_epi8(bytes, _mm_set1_epi8('-')));
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letter, digit), mark)));
+#else
+    unsigned mask = 0;
+    for (unsigned i = 0; i < 16; ++i) mask |= unsigned{wordByte(data[i]) != 0} << i;
+    return mask;
+#endif
+}
+
+// Finds the words of plain ASCII text sixteen bytes at a time, reading them in place.
+class PieceScanner {
+public:
+    PieceScanner(std::string_view text, WordCounter& counter) : m_text(text), m_counter(counter) {}
+
+    void run() {
+        std::size_t pos = 0;
+        for (; pos + 16 <= m_text.size(); pos += 16) scanBlock(pos, wordByteMask(m_text.data() + pos));
+        for (; pos < m_text.size(); ++pos) step(pos, wordByte(m_text[pos]) != 0);
+        if (m_inWord) finish(m_text.size());
+    }
+
+private:
+    void scanBlock(std::size_t pos, unsigned mask) {
+        for (unsigned offset = 0; offset < 16;) {
+            const unsigned wanted = (m_inWord ? ~mask : mask) & (0xFFFFu << offset) & 0xFFFFu;
+            if (wanted == 0) return;
+            offset = static_cast<unsigned>(std::countr_zero(wanted));
+            step(pos + offset, !m_inWord);
+        }
+    }
+
+    void step(std::size_t pos, bool isWord) {
+        if (isWord == m_inWord) return;
+        if (isWord) {
+            m_start = pos;
+        } else {
+            finish(pos);
+        }
+        m_inWord = isWord;
+    }
+
+    void finish(std::size_t end) {
+        const std::string_view piece = trimmedPiece(m_text.substr(m_start, end - m_start));
+        if (piece.empty()) return;
+        const auto offset = static_cast<std::size_t>(piece.data() - m_text.data());
+        m_counter.add(piece.data(), piece.size(), m_text.size() - offset);
+    }
+
+    std::string_view m_text;
+    WordCounter& m_counter;
+    std::size_t m_start = 0;
+    bool m_inWord = false;
+};
+
+// Text with characters beyond ASCII is lower-cased as a whole first (that can turn a
+// non-ASCII letter into an ASCII one) and takes the simple walk.
 void countPieces(std::string_view text, WordCounter& counter) {
     const bool plain = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
     if (!plain) {
-        forEachPiece(text, [&counter](std::string_view piece) { counter.add(piece); });
+        forEachPiece(text, [&counter](std::string_view piece) { counter.add(piece.data(), piece.size(), 0); });
         return;
     }
-    std::string lower;
-    std::size_t start = 0;
-    for (std::size_t pos = 0; pos <= text.size(); ++pos) {
-        if (pos < text.size() && wordByte(text[pos]) != 0) continue;
-        if (pos > start) {
-            if (const std::string_view piece = trimmedPiece(text.substr(start, pos - start)); !piece.empty()) {
-                lower.resize(piece.size());
-                for (std::size_t i = 0; i < piece.size(); ++i) lower[i] = wordByte(piece[i]);
-                counter.add(lower);
-            }
-        }
-        start = pos + 1;
-    }
+    PieceScanner(text, counter).run();
 }
 
 // The codes a theme reaches: its own and those of its categories.

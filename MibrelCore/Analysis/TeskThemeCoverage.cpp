@@ -7,23 +7,6 @@
 namespace mibrel::TeskAnalysisEngine {
 namespace {
 
-// Per code: how many applications, and on which sources (distinct, in first-seen order).
-struct CodeEvidence {
-    std::int64_t applications = 0;
-    std::vector<Uuid> sources;
-    std::unordered_set<Uuid> seen;
-};
-
-std::unordered_map<Uuid, CodeEvidence> evidenceByCode(const TeskWorkspace& workspace) {
-    std::unordered_map<Uuid, CodeEvidence> evidence;
-    for (const TeskCodeApplication& application : workspace.applications) {
-        CodeEvidence& code = evidence[application.codeID];
-        ++code.applications;
-        if (code.seen.insert(application.response.sourceID).second) code.sources.push_back(application.response.sourceID);
-    }
-    return evidence;
-}
-
 // Theme id → how many quotes name it (a quote naming it twice counts once).
 std::unordered_map<Uuid, std::int64_t> quotesByTheme(const TeskWorkspace& workspace) {
     std::unordered_map<Uuid, std::int64_t> counts;
@@ -62,7 +45,7 @@ std::vector<TeskThemeCoverageRow> themeCoverage(const TeskAnalysisCorpus& corpus
     const TeskWorkspace& workspace = corpus.workspace;
     std::unordered_multimap<Uuid, const TeskCategory*> categories;
     for (const TeskCategory& category : workspace.categories) categories.emplace(category.id, &category);
-    const auto evidence = evidenceByCode(workspace);
+    const auto evidence = analysis::evidenceByCode(workspace);
     const auto quotes = quotesByTheme(workspace);
 
     std::vector<TeskThemeCoverageRow> rows;

@@ -1,11 +1,16 @@
 #include "Platform/Text/Text.h"
 
 #include <algorithm>
+#include <bit>
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <memory>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include <unicode/brkiter.h>
 #include <unicode/coll.h>
@@ -278,14 +283,17 @@ std::string characterPrefix(std::string_view text, std::size_t count) {
     return std::string(text.substr(0, characterSpan(text, count).end));
 }
 
-std::size_t whitespaceSeparatedRunCount(std::string_view text) {
-    static constexpr auto kAsciiSpace = [] {
-        std::array<bool, 128> table{};
-        for (const unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) table[c] = true;
-        return table;
-    }();
+namespace {
+
+constexpr auto kAsciiSpace = [] {
+    std::array<bool, 128> table{};
+    for (const unsigned char c : {' ', '\t', '\n', '\v', '\f', '\r'}) table[c] = true;
+    return table;
+}();
+
+// One code point at a time, for text that is not all ASCII.
+std::size_t runCountByCodePoint(std::string_view text, bool inRun) {
     std::size_t runs = 0;
-    bool inRun = false;
     for (std::size_t pos = 0; pos < text.size();) {
         const auto byte = static_cast<unsigned char>(text[pos]);
         bool space;
@@ -299,6 +307,32 @@ std::size_t whitespaceSeparatedRunCount(std::string_view text) {
         inRun = !space;
     }
     return runs;
+}
+
+} // namespace
+
+// Sixteen ASCII bytes at a time: a run starts wherever a non-space byte follows a space.
+// A block holding any other byte hands the rest of the text to the code-point walk.
+std::size_t whitespaceSeparatedRunCount(std::string_view text) {
+    std::size_t runs = 0;
+    std::size_t pos = 0;
+    bool inRun = false;
+#if defined(__SSE2__)
+    const __m128i blank = _mm_set1_epi8(' ');
+    const __m128i belowTab = _mm_set1_epi8('\t' - 1);
+    const __m128i aboveReturn = _mm_set1_epi8('\r' + 1);
+    for (; pos + 16 <= text.size(); pos += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + pos));
+        if (_mm_movemask_epi8(bytes) != 0) break; // a non-ASCII byte
+        const __m128i control = _mm_and_si128(_mm_cmpgt_epi8(bytes, belowTab), _mm_cmplt_epi8(bytes, aboveReturn));
+        const auto space = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi8(bytes, blank), control)));
+        const unsigned word = ~space & 0xFFFFu;
+        const unsigned before = ((word << 1) | (inRun ? 1u : 0u)) & 0xFFFFu;
+        runs += static_cast<std::size_t>(std::popcount(word & ~before));
+        inRun = (word & 0x8000u) != 0;
+    }
+#endif
+    return runs + runCountByCodePoint(text.substr(pos), inRun);
 }
 
 std::string lowercased(std::string_view text) {
@@ -324,6 +358,24 @@ std::weak_ordering localizedStandardCompare(std::string_view lhs, std::string_vi
         icu::StringPiece(lhs.data(), static_cast<int32_t>(lhs.size())),
         icu::StringPiece(rhs.data(), static_cast<int32_t>(rhs.size())), status);
     return U_SUCCESS(status) ? toOrdering(result) : toOrdering(lhs.compare(rhs));
+}
+
+std::string localizedStandardSortKey(std::string_view text) {
+    const icu::Collator* collator = sharedCollator();
+    if (collator == nullptr || !fitsICU(text)) return std::string(text);
+    const icu::UnicodeString unicode =
+        icu::UnicodeString::fromUTF8(icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+    std::string key(64, '\0');
+    for (;;) {
+        const int32_t length = collator->getSortKey(unicode, reinterpret_cast<uint8_t*>(key.data()),
+                                                    static_cast<int32_t>(key.size()));
+        if (length <= 0) return std::string(text);
+        if (static_cast<std::size_t>(length) <= key.size()) {
+            key.resize(static_cast<std::size_t>(length) - 1); // without the terminating zero
+            return key;
+        }
+        key.resize(static_cast<std::size_t>(length));
+    }
 }
 
 bool localizedCaseInsensitiveContains(std::string_view haystack, std::string_view needle) {

@@ -39,6 +39,10 @@ std::string lowercased(std::string_view text);
 // as numbers ("Interview 2" before "Interview 10"). One shared collator.
 std::weak_ordering localizedStandardCompare(std::string_view lhs, std::string_view rhs);
 
+// Bytes that compare (as plain bytes) the way localizedStandardCompare compares the texts:
+// for sorting many rows, where one key per row beats a collation per comparison.
+std::string localizedStandardSortKey(std::string_view text);
+
 // True when `needle` occurs in `haystack`, ignoring case. An empty needle never matches.
 bool localizedCaseInsensitiveContains(std::string_view haystack, std::string_view needle);
 

@@ -1,3 +1,4 @@
+#include <map>
 #include <string>
 #include <vector>
 
@@ -176,6 +177,24 @@ TEST_F(AnalysisEngineTest, WordFrequencyCountsByScopeAndCutsStably) {
     workspace.themes.append(theme);
     EXPECT_EQ(engine::wordFrequency(corpus(), engine::ThemeScope{theme.id}, 1, 10), inCode);
     EXPECT_TRUE(engine::wordFrequency(corpus(), engine::ThemeScope{id(8)}, 1, 10).empty());
+}
+
+// The corpus count reads words in place, sixteen bytes at a time; it must agree with the
+// word-by-word tokenizer whatever the text's case, punctuation and word lengths.
+TEST_F(AnalysisEngineTest, CorpusCountsAgreeWithTheTokenizer) {
+    const std::string ascii = "Well-Being of TEACHERS' work -- 'quoted' don't-stop 1998 2nd x y superlongwordsthatgoonandon "
+                              "Superlongwordsthatgoonandon, ab-- --cd ''ef'' sixteen-chars-xx end";
+    const std::string accented = ascii + " caf\xC3\xA9 K\xE2\x84\xAA";
+    transcripts[id(1)].segments = {segment("a", accented), segment("b", ascii.substr(7))};
+    transcripts[id(2)].segments = {segment("a", ascii.substr(13))};
+    std::map<std::string, std::int64_t> expected;
+    for (const auto& piece : {accented, ascii.substr(7), ascii.substr(13)}) {
+        for (const auto& token : engine::tokenize(piece)) ++expected[token];
+    }
+    std::map<std::string, std::int64_t> counted;
+    for (const auto& row : engine::wordFrequency(corpus(), engine::CorpusScope{}, 1, 1000)) counted[row.word] = row.count;
+    EXPECT_EQ(counted, expected);
+    EXPECT_EQ(expected["superlongwordsthatgoonandon"], 6);
 }
 
 TEST_F(AnalysisEngineTest, ThemeCoverageWarnsInOrderAndCountsThroughCategories) {

@@ -63,3 +63,15 @@ TEST(TextCharacters, WalkByCharacterAndTrimBlanksButNotNewlines) {
     EXPECT_EQ(platform::text::trimmedOfBlanks("\t \xC2\xA0" "a b\n "), "a b\n");
     EXPECT_EQ(platform::text::trimmedOfBlanks(" \t "), "");
 }
+
+TEST(TextWords, RunsBetweenWhiteSpaceAcrossBlocksAndScripts) {
+    using platform::text::whitespaceSeparatedRunCount;
+    EXPECT_EQ(whitespaceSeparatedRunCount(""), 0u);
+    EXPECT_EQ(whitespaceSeparatedRunCount(" \t\n\v\f\r "), 0u);
+    // A word straddling the sixteen-byte boundary, tabs and line ends as separators.
+    EXPECT_EQ(whitespaceSeparatedRunCount("one two three fourfive\tsix\r\nseven, eight."), 7u);
+    EXPECT_EQ(whitespaceSeparatedRunCount(std::string(15, ' ') + "ab" + std::string(15, ' ') + "c"), 2u);
+    // Non-ASCII white space (no-break space, line separator) separates; other characters belong to words.
+    EXPECT_EQ(whitespaceSeparatedRunCount("sixteen ascii by\xC2\xA0" "caf\xC3\xA9\xE2\x80\xA8" "end"), 5u);
+    EXPECT_EQ(whitespaceSeparatedRunCount("\xE2\x80\x94 dash-only \xE2\x80\x94"), 3u);
+}
