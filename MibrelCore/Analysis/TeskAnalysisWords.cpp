@@ -1,6 +1,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <system_error>
 #include <thread>
 #include <unordered_map>
 #include <unordered_set>
@@ -175,8 +176,8 @@ private:
         std::uint64_t second = 0;
         std::int64_t count = 0;
         std::size_t hash = 0;
-        std::uint32_t offset = 0;
-        std::uint32_t length = 0;
+        std::size_t offset = 0;
+        std::size_t length = 0;
     };
 
     bool sameTail(const Slot& slot, const char* data) const {
@@ -188,8 +189,7 @@ private:
     }
 
     void insert(Slot& slot, const Key& key, const char* data, std::int64_t count) {
-        slot = {key.first, key.second, count, key.hash, static_cast<std::uint32_t>(m_bytes.size()),
-                static_cast<std::uint32_t>(key.length)};
+        slot = {key.first, key.second, count, key.hash, m_bytes.size(), key.length};
         for (std::size_t i = 0; i < key.length; ++i) m_bytes.push_back(wordByte(data[i]));
         if (++m_used * 2 > m_slots.size()) grow();
     }
@@ -338,9 +338,13 @@ WordCounter countCorpus(const TeskAnalysisCorpus& corpus) {
     const std::size_t half = corpus.sources.size() / 2;
     WordCounter first;
     WordCounter second;
-    std::thread helper(countRange, half, corpus.sources.size(), std::ref(second));
-    countRange(0, half, first);
-    helper.join();
+    try {
+        std::jthread helper(countRange, half, corpus.sources.size(), std::ref(second));
+        countRange(0, half, first);
+    } catch (const std::system_error&) {
+        // No second thread to be had: count everything here.
+        countRange(0, corpus.sources.size(), first);
+    }
     first.merge(second);
     return first;
 }
@@ -388,9 +392,11 @@ std::vector<TeskWordFrequencyRow> wordFrequency(const TeskAnalysisCorpus& corpus
         const std::int64_t boundary = rows[static_cast<std::size_t>(limit - 1)].count;
         std::erase_if(rows, [boundary](const auto& row) { return row.count < boundary; });
     }
+    // Natural order can call distinct words equal ("a1", "a01"); their bytes settle it.
     std::sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) {
         if (a.count != b.count) return a.count > b.count;
-        return analysis::naturallyBefore(a.word, b.word);
+        const auto order = platform::text::localizedStandardCompare(a.word, b.word);
+        return order != 0 ? order < 0 : a.word < b.word;
     });
     if (static_cast<std::size_t>(limit) < rows.size()) rows.resize(static_cast<std::size_t>(limit));
     return rows;

@@ -93,12 +93,12 @@ fs::path resolved(const fs::path& path) {
 }
 
 // Installing the bundle replaces what stands at the destination, so it must not be the
-// project, a folder holding it, or a place inside it.
+// project or a folder holding it; and the bundle copies "sources", so it must not go there.
 void checkDestination(const fs::path& projectURL, const fs::path& destination) {
     const fs::path project = resolved(cleaned(projectURL));
     const fs::path target = resolved(destination);
-    if (isWithin(project, target) || isWithin(target, project)) {
-        throw TeskProjectError::writeFailed("Choose a place for the handoff bundle outside the project.");
+    if (isWithin(project, target) || isWithin(target, project / "sources")) {
+        throw TeskProjectError::writeFailed("Choose a place for the handoff bundle that is not the project, a folder holding it, or its sources folder.");
     }
 }
 

@@ -1,4 +1,5 @@
 #include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -195,6 +196,37 @@ TEST_F(AnalysisEngineTest, CorpusCountsAgreeWithTheTokenizer) {
     for (const auto& row : engine::wordFrequency(corpus(), engine::CorpusScope{}, 1, 1000)) counted[row.word] = row.count;
     EXPECT_EQ(counted, expected);
     EXPECT_EQ(expected["superlongwordsthatgoonandon"], 6);
+}
+
+// Seeded random texts: words of every length around the eight- and sixteen-byte marks,
+// any case, marks at the ends, numbers and stop words, over enough sources and distinct
+// words that both threads work and the table grows.
+TEST(AnalysisEngineWordCountTest, RandomCorporaCountLikeTheTokenizer) {
+    std::mt19937 random(20261122);
+    const std::string alphabet = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789'-";
+    const std::string separators = " ,.;:!?\n\t\"()";
+    std::vector<TeskSource> sources(7);
+    TeskTranscriptMap transcripts;
+    std::map<std::string, std::int64_t> expected;
+    for (TeskSource& source : sources) {
+        for (int n = 0; n < 30; ++n) {
+            std::string text;
+            for (int w = 0; w < 40; ++w) {
+                const std::size_t length = 1 + random() % 33;
+                for (std::size_t i = 0; i < length; ++i) text += alphabet[random() % (w % 3 == 0 ? 26 : alphabet.size())];
+                text += random() % 5 == 0 ? std::string(" the ") : std::string(1, separators[random() % separators.size()]);
+            }
+            for (const auto& token : engine::tokenize(text)) ++expected[token];
+            transcripts[source.id].segments.push_back(segment("s" + std::to_string(n), text));
+        }
+    }
+    const TeskWorkspace workspace;
+    std::map<std::string, std::int64_t> counted;
+    for (const auto& row : engine::wordFrequency({sources, transcripts, workspace}, engine::CorpusScope{}, 1, 1'000'000)) {
+        counted[row.word] = row.count;
+    }
+    EXPECT_GT(expected.size(), 5000u);
+    EXPECT_EQ(counted, expected);
 }
 
 TEST_F(AnalysisEngineTest, ThemeCoverageWarnsInOrderAndCountsThroughCategories) {

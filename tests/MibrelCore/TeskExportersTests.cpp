@@ -249,7 +249,10 @@ TEST(TeskHandoffExporter, RecoversLostIndexesAndDefaultsAMissingWorkspace) {
     // The bundle replaces what is at its destination, so the project itself is refused.
     EXPECT_THROW(handoff::exportBundle(project, "T", "1.0.0", project), TeskProjectError);
     EXPECT_THROW(handoff::exportBundle(project, "T", "1.0.0", folder.path()), TeskProjectError);
+    EXPECT_THROW(handoff::exportBundle(project, "T", "1.0.0", project / "sources" / "b"), TeskProjectError);
     EXPECT_TRUE(fs::exists(project / "sources"));
+    // Anywhere else inside the project is a place like any other.
+    EXPECT_NO_THROW(handoff::exportBundle(project, "T", "1.0.0", project / "export" / "b.mvibrl-handoff"));
 }
 
 TEST(TeskHandoffExporter, CorruptTranscriptStopsTheExportAndKeepsTheEarlierBundle) {
