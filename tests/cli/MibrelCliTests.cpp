@@ -235,6 +235,11 @@ TEST_F(MibrelCliTest, ImportsReadDocumentsAndTablesAndFailInTheReadersWords) {
                                                   "We stayed for the school.\nThen for the friends.", "Before", "After",
                                                   "Question", "Answer", "Years here", "12", "End of interview."}));
 
+    const CliResult word = run({"export", "word", project, sourceID, "--format", "text"});
+    ASSERT_EQ(word.status, kExitSuccess) << word.err;
+    EXPECT_TRUE(word.out.starts_with("python-docx\n\n¶: Interviewer: What brought you to the town?\n\n")) << word.out;
+    EXPECT_EQ(run({"export", "word", project, sourceID, "--format", "rtf"}).status, kExitUsage);
+
     // Source operations run through edit as the window runs them.
     ASSERT_EQ(run({"edit", project, "deleteSource", R"({"id":")" + sourceID + "\"}"}).status, kExitSuccess);
     EXPECT_EQ(readText(folder / "study.mvibrl" / "sources" / "index.json").find(sourceID), std::string::npos);
