@@ -100,9 +100,16 @@ constexpr std::array<char, 256> kWordByte = [] {
 
 char wordByte(char byte) { return kWordByte[static_cast<unsigned char>(byte)]; }
 
+// Packed ASCII word bytes lower-cased; adding to each byte never carries into the next.
+std::uint64_t lowerPacked(std::uint64_t bytes) {
+    constexpr std::uint64_t ones = 0x0101010101010101ull;
+    const std::uint64_t atLeastA = bytes + ones * (0x80 - 'A');
+    const std::uint64_t pastZ = bytes + ones * (0x80 - 'Z' - 1);
+    return bytes | (((atLeastA & ~pastZ) & (ones * 0x80)) >> 2);
+}
+
 // Up to eight bytes of a word, lower-cased, packed into one integer (first byte lowest).
-// `wide` says eight bytes may be read at `data`: one load instead of a byte loop. Word
-// bytes are ASCII, so adding to each byte never carries into the next.
+// `wide` says eight bytes may be read at `data`: one load instead of a byte loop.
 std::uint64_t packedLower(const char* data, std::size_t length, bool wide) {
     std::uint64_t bytes = 0;
     if (wide) {
@@ -111,10 +118,26 @@ std::uint64_t packedLower(const char* data, std::size_t length, bool wide) {
     } else {
         for (std::size_t i = 0; i < length; ++i) bytes |= std::uint64_t{static_cast<unsigned char>(data[i])} << (8 * i);
     }
-    constexpr std::uint64_t ones = 0x0101010101010101ull;
-    const std::uint64_t atLeastA = bytes + ones * (0x80 - 'A');
-    const std::uint64_t pastZ = bytes + ones * (0x80 - 'Z' - 1);
-    return bytes | (((atLeastA & ~pastZ) & (ones * 0x80)) >> 2);
+    return lowerPacked(bytes);
+}
+
+// Masks keeping the bytes of a word of length 0 to 16 in its first and second eight bytes.
+constexpr auto kFirstMask = [] {
+    std::array<std::uint64_t, 17> masks{};
+    for (std::size_t n = 0; n <= 16; ++n) masks[n] = n >= 8 ? ~std::uint64_t{0} : (std::uint64_t{1} << (8 * n)) - 1;
+    return masks;
+}();
+constexpr auto kSecondMask = [] {
+    std::array<std::uint64_t, 17> masks{};
+    for (std::size_t n = 9; n <= 16; ++n) masks[n] = n >= 16 ? ~std::uint64_t{0} : (std::uint64_t{1} << (8 * (n - 8))) - 1;
+    return masks;
+}();
+
+// Eight readable bytes at `data`, masked, lower-cased.
+std::uint64_t lowerWide(const char* data, std::uint64_t mask) {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, data, 8);
+    return lowerPacked(bytes & mask);
 }
 
 // Counts words in an open-addressing table: a corpus has millions of words but only
@@ -129,8 +152,15 @@ public:
 
     // A word of `length` bytes at `data`, any case; `readable` bytes may be read from `data`.
     void add(const char* data, std::size_t length, std::size_t readable, std::int64_t count = 1) {
-        Key key{packedLower(data, std::min<std::size_t>(length, 8), readable >= 8), 0, length, 0};
-        if (length > 8) key.second = packedLower(data + 8, std::min<std::size_t>(length - 8, 8), readable >= 16);
+        Key key{0, 0, length, 0};
+        if (length <= 16 && readable >= 16) {
+            // The common case without branches on the length: two loads, two masks.
+            key.first = lowerWide(data, kFirstMask[length]);
+            key.second = lowerWide(data + 8, kSecondMask[length]);
+        } else {
+            key.first = packedLower(data, std::min<std::size_t>(length, 8), readable >= 8);
+            if (length > 8) key.second = packedLower(data + 8, std::min<std::size_t>(length - 8, 8), readable >= 16);
+        }
         std::uint64_t mixed = key.first ^ (key.second * 0x9E3779B97F4A7C15ull) ^ (std::uint64_t{length} << 56);
         for (std::size_t at = 16; at < length; at += 8) {
             mixed = (mixed ^ packedLower(data + at, std::min<std::size_t>(length - at, 8), readable >= at + 8)) *
