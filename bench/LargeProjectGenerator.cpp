@@ -1,5 +1,7 @@
 #include "bench/LargeProjectGenerator.h"
 
+#include "tools/generator/MibrelProjectGenerator.h"
+
 #include <array>
 #include <random>
 #include <string>
@@ -8,13 +10,7 @@
 namespace mibrel::bench {
 namespace {
 
-Uuid randomUuid(std::mt19937_64& random) {
-    std::array<std::uint8_t, 16> bytes{};
-    for (auto& byte : bytes) byte = static_cast<std::uint8_t>(random());
-    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40);
-    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);
-    return Uuid(bytes);
-}
+using dev::randomUuid;
 
 std::string sentence(std::mt19937_64& random, std::size_t words) {
     static const std::array<const char*, 12> vocabulary{"teachers", "workload", "mentor",  "stayed",

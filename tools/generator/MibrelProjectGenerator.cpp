@@ -18,14 +18,6 @@ namespace {
 
 using Random = std::mt19937_64;
 
-Uuid randomUuid(Random& random) {
-    std::array<std::uint8_t, 16> bytes{};
-    for (auto& byte : bytes) byte = static_cast<std::uint8_t>(random());
-    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40);
-    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);
-    return Uuid(bytes);
-}
-
 std::size_t pick(Random& random, std::size_t count) { return static_cast<std::size_t>(random() % count); }
 
 // Common words first, then invented ones, drawn with a long tail as real talk has:
@@ -131,6 +123,14 @@ void addEvidence(GeneratedProject& project, const GeneratedProjectSize& size, co
 }
 
 } // namespace
+
+Uuid randomUuid(std::mt19937_64& random) {
+    std::array<std::uint8_t, 16> bytes{};
+    for (auto& byte : bytes) byte = static_cast<std::uint8_t>(random());
+    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40);
+    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);
+    return Uuid(bytes);
+}
 
 GeneratedProject generateProject(const GeneratedProjectSize& size) {
     Random random(size.seed);

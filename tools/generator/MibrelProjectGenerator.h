@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <random>
 #include <vector>
 
 #include "MibrelCore/Analysis/TeskAnalysisCorpus.h"
@@ -30,6 +31,9 @@ struct GeneratedProject {
 
     TeskAnalysisCorpus corpus() const { return {sources, transcripts, workspace}; }
 };
+
+// A version-4 id drawn from `random`, so generated ids repeat with the seed.
+Uuid randomUuid(std::mt19937_64& random);
 
 GeneratedProject generateProject(const GeneratedProjectSize& size);
 

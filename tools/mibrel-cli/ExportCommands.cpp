@@ -12,8 +12,10 @@
 namespace mibrel::cli {
 namespace {
 
-struct PacketReport {
-    std::int64_t memberChecks = 0;
+// What an export wrote: the packet names its member checks, the bundle its codes.
+struct ExportReport {
+    std::optional<std::int64_t> codes;
+    std::optional<std::int64_t> memberChecks;
     std::string path;
     std::int64_t quotes = 0;
     std::int64_t sources = 0;
@@ -21,24 +23,9 @@ struct PacketReport {
 
     static constexpr auto jsonFields() {
         using namespace platform::json;
-        using T = PacketReport;
-        return std::tuple{required("memberChecks", &T::memberChecks), required("path", &T::path),
-                          required("quotes", &T::quotes), required("sources", &T::sources),
-                          required("themes", &T::themes)};
-    }
-};
-
-struct HandoffReport {
-    std::int64_t codes = 0;
-    std::string path;
-    std::int64_t quotes = 0;
-    std::int64_t sources = 0;
-    std::int64_t themes = 0;
-
-    static constexpr auto jsonFields() {
-        using namespace platform::json;
-        using T = HandoffReport;
-        return std::tuple{required("codes", &T::codes), required("path", &T::path), required("quotes", &T::quotes),
+        using T = ExportReport;
+        return std::tuple{optional("codes", &T::codes),   optional("memberChecks", &T::memberChecks),
+                          required("path", &T::path),     required("quotes", &T::quotes),
                           required("sources", &T::sources), required("themes", &T::themes)};
     }
 };
@@ -66,8 +53,8 @@ void exportPacket(CliContext& context, const ExportOptions& options) {
     const OpenedProject project = open(options);
     const auto result =
         TeskFindingsExporter::exportPacket(project.url, project.title, project.appVersion, absolutePath(options.output));
-    printJson(context.out, PacketReport{result.memberCheckCount, result.fileURL.string(), result.quoteCount,
-                                        result.sourceCount, result.themeCount});
+    printJson(context.out, ExportReport{std::nullopt, result.memberCheckCount, result.fileURL.string(),
+                                        result.quoteCount, result.sourceCount, result.themeCount});
 }
 
 void exportHandoff(CliContext& context, const ExportOptions& options) {
@@ -75,8 +62,9 @@ void exportHandoff(CliContext& context, const ExportOptions& options) {
     const auto result = TeskHandoffExporter::exportBundle(project.url, project.title, project.appVersion,
                                                           absolutePath(options.output));
     const auto& manifest = result.manifest;
-    printJson(context.out, HandoffReport{manifest.codesExported, result.handoffURL.string(), manifest.quotesExported,
-                                         static_cast<std::int64_t>(manifest.sources.size()), manifest.themesExported});
+    printJson(context.out, ExportReport{manifest.codesExported, std::nullopt, result.handoffURL.string(),
+                                        manifest.quotesExported, static_cast<std::int64_t>(manifest.sources.size()),
+                                        manifest.themesExported});
 }
 
 void addOptions(CLI::App& command, ExportOptions& options, const std::string& outputDescription) {
