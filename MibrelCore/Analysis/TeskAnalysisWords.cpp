@@ -45,7 +45,7 @@ bool isWordByte(char byte) {
 bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
 // Apostrophes and hyphens go from both ends; what is left must have two characters or more.
-std::string_view trimmedPiece(std::string_view piece) {
+inline __attribute__((always_inline)) std::string_view trimmedPiece(std::string_view piece) {
     while (!piece.empty() && (piece.front() == '\'' || piece.front() == '-')) piece.remove_prefix(1);
     while (!piece.empty() && (piece.back() == '\'' || piece.back() == '-')) piece.remove_suffix(1);
     return piece.size() < 2 ? std::string_view() : piece;
@@ -59,11 +59,23 @@ bool isKept(std::string_view piece) {
 // Calls `visit` with each piece of two or more characters, trimmed but not yet judged.
 // After lower-casing, only ASCII letters, digits, apostrophes and hyphens can be part of a
 // word, so every other byte (all of a non-ASCII character's bytes included) separates words.
+bool isAscii(std::string_view text) {
+    std::size_t pos = 0;
+#if defined(__SSE2__)
+    __m128i high = _mm_setzero_si128();
+    for (; pos + 16 <= text.size(); pos += 16) {
+        high = _mm_or_si128(high, _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + pos)));
+    }
+    if (_mm_movemask_epi8(high) != 0) return false;
+#endif
+    return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(pos), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 template <class Visit>
 void forEachPiece(std::string_view text, Visit visit) {
     thread_local std::string lower;
-    const bool plain = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    if (plain) {
+    if (isAscii(text)) {
         lower.assign(text);
         for (char& c : lower) c = (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
     } else {
@@ -148,28 +160,34 @@ std::uint64_t lowerWide(const char* data, std::uint64_t mask) {
 // per word.
 class WordCounter {
 public:
-    WordCounter() : m_slots(1 << 13) {}
+    WordCounter() : m_slots(std::size_t{1} << kInitialBits) {}
 
     // A word of `length` bytes at `data`, any case; `readable` bytes may be read from `data`.
     void add(const char* data, std::size_t length, std::size_t readable, std::int64_t count = 1) {
         Key key{0, 0, length, 0};
-        if (length <= 16 && readable >= 16) {
-            // The common case without branches on the length: two loads, two masks.
+        if (length <= 16) {
+            // The common case without branches on the length: two loads, two masks. A word
+            // near the end of its text is copied out first so that sixteen bytes can be read.
+            std::array<char, 16> padded{};
+            if (readable < 16) {
+                std::memcpy(padded.data(), data, length);
+                data = padded.data();
+            }
             key.first = lowerWide(data, kFirstMask[length]);
             key.second = lowerWide(data + 8, kSecondMask[length]);
         } else {
-            key.first = packedLower(data, std::min<std::size_t>(length, 8), readable >= 8);
-            if (length > 8) key.second = packedLower(data + 8, std::min<std::size_t>(length - 8, 8), readable >= 16);
+            key.first = packedLower(data, 8, readable >= 8);
+            key.second = packedLower(data + 8, 8, readable >= 16);
         }
-        std::uint64_t mixed = key.first ^ (key.second * 0x9E3779B97F4A7C15ull) ^ (std::uint64_t{length} << 56);
+        // One multiply spreads every bit into the high bits, which pick the slot.
+        std::uint64_t mixed = key.first ^ std::rotl(key.second, 29) ^ (std::uint64_t{length} << 56);
         for (std::size_t at = 16; at < length; at += 8) {
             mixed = (mixed ^ packedLower(data + at, std::min<std::size_t>(length - at, 8), readable >= at + 8)) *
                     0x9E3779B97F4A7C15ull;
         }
-        mixed ^= mixed >> 33; // every bit of the word must reach the low bits that pick the slot
-        mixed *= 0xFF51AFD7ED558CCDull;
-        key.hash = static_cast<std::size_t>(mixed ^ (mixed >> 33));
-        for (std::size_t index = key.hash & (m_slots.size() - 1);; index = (index + 1) & (m_slots.size() - 1)) {
+        key.hash = mixed * 0x9E3779B97F4A7C15ull;
+        const std::size_t last = m_slots.size() - 1;
+        for (std::size_t index = slotOf(key.hash);; index = (index + 1) & last) {
             Slot& slot = m_slots[index];
             if (slot.count == 0) {
                 insert(slot, key, data, count);
@@ -195,17 +213,19 @@ public:
     }
 
 private:
+    static constexpr unsigned kInitialBits = 13;
+
     struct Key {
         std::uint64_t first;
         std::uint64_t second;
         std::size_t length;
-        std::size_t hash;
+        std::uint64_t hash;
     };
     struct Slot {
         std::uint64_t first = 0;
         std::uint64_t second = 0;
         std::int64_t count = 0;
-        std::size_t hash = 0;
+        std::uint64_t hash = 0;
         std::size_t offset = 0;
         std::size_t length = 0;
     };
@@ -224,12 +244,15 @@ private:
         if (++m_used * 2 > m_slots.size()) grow();
     }
 
+    std::size_t slotOf(std::uint64_t hash) const { return static_cast<std::size_t>(hash >> m_shift); }
+
     void grow() {
         std::vector<Slot> old(m_slots.size() * 2);
         old.swap(m_slots);
+        --m_shift;
         for (const Slot& slot : old) {
             if (slot.count == 0) continue;
-            std::size_t index = slot.hash & (m_slots.size() - 1);
+            std::size_t index = slotOf(slot.hash);
             while (m_slots[index].count != 0) index = (index + 1) & (m_slots.size() - 1);
             m_slots[index] = slot;
         }
@@ -240,10 +263,11 @@ private:
     std::vector<Slot> m_slots;
     std::string m_bytes;
     std::size_t m_used = 0;
+    unsigned m_shift = 64 - kInitialBits;
 };
 
 // Bit i set where byte i of the sixteen at `data` can be part of a word (ASCII input).
-unsigned wordByteMask(const char* data) {
+inline __attribute__((always_inline)) unsigned wordByteMask(const char* data) {
 #if defined(__SSE2__)
     const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(data));
     const __m128i folded = _mm_or_si128(bytes, _mm_set1_epi8(0x20));
@@ -258,40 +282,59 @@ unsigned wordByteMask(const char* data) {
 #endif
 }
 
-// Finds the words of plain ASCII text sixteen bytes at a time, reading them in place.
+// Bit i set where byte i of the sixty-four at `data` can be part of a word (ASCII input).
+inline __attribute__((always_inline)) std::uint64_t wordByteMask64(const char* data) {
+    return std::uint64_t{wordByteMask(data)} | (std::uint64_t{wordByteMask(data + 16)} << 16) |
+           (std::uint64_t{wordByteMask(data + 32)} << 32) | (std::uint64_t{wordByteMask(data + 48)} << 48);
+}
+
+// Finds the words of plain ASCII text sixty-four bytes at a time, reading them in place.
+// Word starts and ends come out of each block as bit masks, so the walk branches once per
+// word rather than on every byte, whatever the words' lengths.
 class PieceScanner {
 public:
     PieceScanner(std::string_view text, WordCounter& counter) : m_text(text), m_counter(counter) {}
 
     void run() {
-        std::size_t pos = 0;
-        for (; pos + 16 <= m_text.size(); pos += 16) scanBlock(pos, wordByteMask(m_text.data() + pos));
-        for (; pos < m_text.size(); ++pos) step(pos, wordByte(m_text[pos]) != 0);
-        if (m_inWord) finish(m_text.size());
+        std::size_t base = 0;
+        for (; base + 64 <= m_text.size(); base += 64) scanBlock(base, wordByteMask64(m_text.data() + base));
+        if (base < m_text.size()) {
+            // The last bytes, padded with separators, so a word running to the end is closed.
+            std::array<char, 64> tail;
+            tail.fill(' ');
+            std::memcpy(tail.data(), m_text.data() + base, m_text.size() - base);
+            scanBlock(base, wordByteMask64(tail.data()));
+        }
+        if (m_open) finish(m_start, m_text.size());
     }
 
 private:
-    void scanBlock(std::size_t pos, unsigned mask) {
-        for (unsigned offset = 0; offset < 16;) {
-            const unsigned wanted = (m_inWord ? ~mask : mask) & (0xFFFFu << offset) & 0xFFFFu;
-            if (wanted == 0) return;
-            offset = static_cast<unsigned>(std::countr_zero(wanted));
-            step(pos + offset, !m_inWord);
+    void scanBlock(std::size_t base, std::uint64_t mask) {
+        const std::uint64_t previous = (mask << 1) | m_carry;
+        std::uint64_t starts = mask & ~previous;
+        std::uint64_t ends = ~mask & previous;
+        m_carry = mask >> 63;
+        if (m_open) {
+            if (ends == 0) return; // the word goes on through the whole block
+            finish(m_start, base + static_cast<std::size_t>(std::countr_zero(ends)));
+            ends &= ends - 1;
+            m_open = false;
+        }
+        while (starts != 0) {
+            const std::size_t start = base + static_cast<std::size_t>(std::countr_zero(starts));
+            starts &= starts - 1;
+            if (ends == 0) {
+                m_start = start;
+                m_open = true;
+                return;
+            }
+            finish(start, base + static_cast<std::size_t>(std::countr_zero(ends)));
+            ends &= ends - 1;
         }
     }
 
-    void step(std::size_t pos, bool isWord) {
-        if (isWord == m_inWord) return;
-        if (isWord) {
-            m_start = pos;
-        } else {
-            finish(pos);
-        }
-        m_inWord = isWord;
-    }
-
-    void finish(std::size_t end) {
-        const std::string_view piece = trimmedPiece(m_text.substr(m_start, end - m_start));
+    void finish(std::size_t start, std::size_t end) {
+        const std::string_view piece = trimmedPiece(m_text.substr(start, end - start));
         if (piece.empty()) return;
         const auto offset = static_cast<std::size_t>(piece.data() - m_text.data());
         m_counter.add(piece.data(), piece.size(), m_text.size() - offset);
@@ -300,14 +343,14 @@ private:
     std::string_view m_text;
     WordCounter& m_counter;
     std::size_t m_start = 0;
-    bool m_inWord = false;
+    std::uint64_t m_carry = 0;
+    bool m_open = false;
 };
 
 // Text with characters beyond ASCII is lower-cased as a whole first (that can turn a
 // non-ASCII letter into an ASCII one) and takes the simple walk.
 void countPieces(std::string_view text, WordCounter& counter) {
-    const bool plain = std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    if (!plain) {
+    if (!isAscii(text)) {
         forEachPiece(text, [&counter](std::string_view piece) { counter.add(piece.data(), piece.size(), 0); });
         return;
     }

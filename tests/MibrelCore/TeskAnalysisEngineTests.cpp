@@ -198,9 +198,10 @@ TEST_F(AnalysisEngineTest, CorpusCountsAgreeWithTheTokenizer) {
     EXPECT_EQ(expected["superlongwordsthatgoonandon"], 6);
 }
 
-// Seeded random texts: words of every length around the eight- and sixteen-byte marks,
-// any case, marks at the ends, numbers and stop words, over enough sources and distinct
-// words that both threads work and the table grows.
+// Seeded random texts: words of every length around the eight- and sixteen-byte marks and
+// some longer than the 64-byte blocks the scan reads, any case, marks at the ends, numbers
+// and stop words, over enough sources and distinct words that both threads work and the
+// table grows. Texts of exactly one and two blocks end on a word.
 TEST(AnalysisEngineWordCountTest, RandomCorporaCountLikeTheTokenizer) {
     std::mt19937 random(20261122);
     const std::string alphabet = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789'-";
@@ -212,12 +213,16 @@ TEST(AnalysisEngineWordCountTest, RandomCorporaCountLikeTheTokenizer) {
         for (int n = 0; n < 30; ++n) {
             std::string text;
             for (int w = 0; w < 40; ++w) {
-                const std::size_t length = 1 + random() % 33;
+                const std::size_t length = random() % 25 == 0 ? 60 + random() % 100 : 1 + random() % 33;
                 for (std::size_t i = 0; i < length; ++i) text += alphabet[random() % (w % 3 == 0 ? 26 : alphabet.size())];
                 text += random() % 5 == 0 ? std::string(" the ") : std::string(1, separators[random() % separators.size()]);
             }
             for (const auto& token : engine::tokenize(text)) ++expected[token];
             transcripts[source.id].segments.push_back(segment("s" + std::to_string(n), text));
+        }
+        for (const std::string& text : {std::string(64, 'q'), std::string(63, 'w') + " " + std::string(64, 'e')}) {
+            for (const auto& token : engine::tokenize(text)) ++expected[token];
+            transcripts[source.id].segments.push_back(segment("block" + std::to_string(text.size()), text));
         }
     }
     const TeskWorkspace workspace;
