@@ -24,6 +24,7 @@ MibrelSourcesState::MibrelSourcesState(MibrelPanels& panels, QSettings* settings
     : QObject(parent), m_panels(panels), m_settings(settings) {}
 
 void MibrelSourcesState::bind(const std::optional<std::filesystem::path>& projectURL) {
+    cancelAllTranscriptions();
     m_projectURL = projectURL;
     m_transcriptionProgress.clear();
     m_sources.clear();
@@ -154,7 +155,7 @@ void MibrelSourcesState::beginTranscription(const Uuid& sourceID, bool forceRefr
     }
     m_pendingSpeechIntro = sourceID;
     emit pendingSpeechIntroChanged();
-    setStatus(sourceID, notStartedStatus("Waiting for approval to use on-device speech recognition."));
+    setTranscriptionStatus(notStartedStatus("Waiting for approval to use on-device speech recognition."), sourceID);
 }
 
 void MibrelSourcesState::confirmSpeechIntro() {
@@ -171,20 +172,8 @@ void MibrelSourcesState::cancelSpeechIntro() {
     const Uuid sourceID = *m_pendingSpeechIntro;
     m_pendingSpeechIntro.reset();
     emit pendingSpeechIntroChanged();
-    setStatus(sourceID, notStartedStatus("Click Transcribe when you are ready. Mibrel uses on-device speech recognition."));
-}
-
-void MibrelSourcesState::setStatus(const Uuid& sourceID, TeskTranscriptionStatus status) {
-    const TeskSource* current = source(sourceID);
-    if (!current) return;
-    TeskSource changed = *current;
-    changed.transcriptionStatus = std::move(status);
-    updateSource(changed);
-}
-
-void MibrelSourcesState::transcribeConfirmed(const Uuid& sourceID, bool forceRefresh) {
-    (void)sourceID;
-    (void)forceRefresh;
+    setTranscriptionStatus(
+        notStartedStatus("Click Transcribe when you are ready. Mibrel uses on-device speech recognition."), sourceID);
 }
 
 std::string MibrelSourcesState::subtitle(const TeskSource& source) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <map>
 #include <optional>
 #include <set>
@@ -15,11 +17,14 @@
 #include "MibrelCore/Sources/TeskSource.h"
 #include "MibrelCore/Sources/TeskTranscript.h"
 #include "MibrelMac/State/MibrelImportNotice.h"
+#include "MibrelMac/State/MibrelTranscriptCoverageSummary.h"
+#include "MibrelMac/State/MibrelTranscriptionStatusSummary.h"
 
 class QSettings;
 
 namespace mibrel {
 
+class MibrelAppleHelperSidecar;
 class MibrelPanels;
 
 // The open project's sources: the list, their transcripts, the selection, and the last
@@ -76,6 +81,14 @@ public:
     std::int64_t importResponses(const TeskResponsesImport::Table& table, std::int64_t textColumn,
                                  std::optional<std::int64_t> labelColumn);
 
+    // Recordings: the file is copied in the background and the source appears once it is
+    // safely in place; transcription then starts by itself.
+    void importAudioFile();
+    void importVideoFile();
+    void importMedia(const std::filesystem::path& location, TeskMediaKind kind);
+    // Copies still running; the command line waits for them.
+    int mediaImportsInFlight() const { return m_mediaImportsInFlight; }
+
     void updateSource(const TeskSource& source);
     void updateTranscript(const TeskTranscript& transcript, const Uuid& sourceID);
     void deleteSource(Uuid sourceID); // by value: callers often pass an id held in the list it changes
@@ -94,6 +107,31 @@ public:
     void beginTranscription(const Uuid& sourceID, bool forceRefresh);
     void confirmSpeechIntro();
     void cancelSpeechIntro();
+    // Starts the background run; one run per source at a time.
+    void transcribeConfirmed(const Uuid& sourceID, bool forceRefresh);
+    // Takes effect at the run's next check point; a helper call under way is not interrupted.
+    void cancelTranscription(const Uuid& sourceID);
+    // The helper client runs use; the shared one unless a test gives its own.
+    void useHelper(MibrelAppleHelperSidecar& helper) { m_helper = &helper; }
+
+    void setTranscriptionStatus(std::optional<TeskTranscriptionStatus> status, const Uuid& sourceID);
+    // Removes the derived audio so the next run prepares it afresh.
+    void invalidateDerivedTranscriptionAudio(const TeskSource& source, const std::filesystem::path& projectURL);
+    // Gives recordings transcribed before statuses existed a status, in the background.
+    void refreshLoadedMediaTranscriptionStatuses(const std::filesystem::path& projectURL);
+    std::optional<MibrelTranscriptCoverageSummary> transcriptCoverageSummary(const TeskSource& source) const;
+    std::optional<MibrelTranscriptionStatusSummary> transcriptionSummary(const TeskSource& source) const;
+
+    // Corrections of a transcript, each saved at once. A segment keeps its id through an
+    // edit and a split, so the evidence on it follows.
+    void updateTranscriptSegmentText(const Uuid& sourceID, const std::string& segmentID, const std::string& text);
+    void splitTranscriptSegment(const Uuid& sourceID, const std::string& segmentID, const std::string& firstText,
+                                const std::string& secondText);
+    void mergeTranscriptSegmentWithNext(const Uuid& sourceID, const std::string& segmentID);
+    void markTranscriptReviewed(const Uuid& sourceID);
+    void addMediaNote(const Uuid& sourceID, double timestamp, const std::string& text);
+    void updateMediaNote(const Uuid& sourceID, const Uuid& noteID, const std::string& text);
+    void deleteMediaNote(const Uuid& sourceID, const Uuid& noteID);
 
     // The line under a source's name in the tools.
     static std::string subtitle(const TeskSource& source);
@@ -119,10 +157,20 @@ private:
     void loadSources(const std::filesystem::path& projectURL);
     void appendResponseSources(const TeskResponsesImport::Table& table, std::int64_t textColumn,
                                std::optional<std::int64_t> labelColumn);
-    void setNotice(const Uuid& sourceID, std::string detail);
-    void setStatus(const Uuid& sourceID, TeskTranscriptionStatus status);
-    // Starts the transcription the researcher approved; recognition is not part of this build yet.
-    void transcribeConfirmed(const Uuid& sourceID, bool forceRefresh);
+    void setNotice(const Uuid& sourceID, std::string detail, std::string title = "Imported into Sources");
+    // Saves a new source with its transcript, then lists and selects it; false on failure.
+    bool addSource(const TeskSource& source, const TeskTranscript& transcript);
+    void finishMediaImport(const TeskSource& source, const std::filesystem::path& projectURL, TeskMediaKind kind);
+    void finishTranscription(const Uuid& sourceID, const std::filesystem::path& projectURL,
+                             std::optional<TeskTranscript> transcript, TeskTranscriptionStatus status,
+                             std::optional<std::string> error);
+    void finishTranscriptionBookkeeping(const Uuid& sourceID);
+    void cancelAllTranscriptions();
+    void setProgress(const Uuid& sourceID, double fraction);
+    void setDerivedAudio(const Uuid& sourceID, const std::filesystem::path& projectURL, const std::string& name);
+    // Finds a source and a segment of its transcript and saves the changed transcript.
+    template <class Change>
+    void changeSegment(const Uuid& sourceID, const std::string& segmentID, Change change);
 
     MibrelPanels& m_panels;
     QSettings* m_settings;
@@ -131,6 +179,9 @@ private:
     std::optional<Uuid> m_selectedSourceID;
     std::map<Uuid, TeskTranscript> m_transcripts;
     std::set<Uuid> m_transcribing;
+    std::map<Uuid, std::shared_ptr<std::atomic<bool>>> m_transcriptionTasks; // each run's cancel flag
+    MibrelAppleHelperSidecar* m_helper = nullptr;
+    int m_mediaImportsInFlight = 0;
     std::map<Uuid, double> m_transcriptionProgress;
     std::optional<std::string> m_lastError;
     std::optional<MibrelImportNotice> m_latestImportNotice;

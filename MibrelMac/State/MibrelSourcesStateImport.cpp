@@ -10,8 +10,6 @@
 namespace mibrel {
 namespace {
 
-constexpr const char* kImportedTitle = "Imported into Sources";
-
 // A source as every import starts it; the media fields stay absent for text.
 TeskSource newSource(std::string label) {
     TeskSource source;
@@ -51,8 +49,19 @@ void MibrelSourcesState::importResponsesFile() {
 void MibrelSourcesState::importTranscript(const std::filesystem::path& location) {
     if (!m_projectURL) return;
     const TeskSource source = newSource(location.stem().string());
+    TeskTranscript transcript;
     try {
-        const TeskTranscript transcript = TeskTranscript::fromPlainText(TeskTranscriptImport::text(location));
+        transcript = TeskTranscript::fromPlainText(TeskTranscriptImport::text(location));
+    } catch (const std::exception& error) {
+        setLastError(error.what());
+        return;
+    }
+    if (!addSource(source, transcript)) return;
+    setNotice(source.id, source.label + " is selected and ready to review.");
+}
+
+bool MibrelSourcesState::addSource(const TeskSource& source, const TeskTranscript& transcript) {
+    try {
         auto sources = m_sources;
         sources.push_back(source);
         TeskSourceStore::saveSource(source, *m_projectURL);
@@ -62,11 +71,11 @@ void MibrelSourcesState::importTranscript(const std::filesystem::path& location)
         m_transcripts[source.id] = transcript;
     } catch (const std::exception& error) {
         setLastError(error.what());
-        return;
+        return false;
     }
     emit sourcesChanged();
     select(source.id);
-    setNotice(source.id, source.label + " is selected and ready to review.");
+    return true;
 }
 
 void MibrelSourcesState::openResponsesTable(const std::filesystem::path& location) {
@@ -130,8 +139,8 @@ void MibrelSourcesState::appendResponseSources(const TeskResponsesImport::Table&
     batch.flush();
 }
 
-void MibrelSourcesState::setNotice(const Uuid& sourceID, std::string detail) {
-    m_latestImportNotice = MibrelImportNotice{Uuid::random(), sourceID, kImportedTitle, std::move(detail)};
+void MibrelSourcesState::setNotice(const Uuid& sourceID, std::string detail, std::string title) {
+    m_latestImportNotice = MibrelImportNotice{Uuid::random(), sourceID, std::move(title), std::move(detail)};
     emit latestImportNoticeChanged();
 }
 

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "MibrelCore/Sources/TeskTranscript.h"
+#include "tests/cli/CliTestSupport.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel::cli {
@@ -18,22 +19,6 @@ using mibrel::testing::readText;
 using mibrel::testing::TemporaryDirectory;
 using mibrel::testing::unsortedKeysIn;
 using mibrel::testing::writeText;
-
-struct CliResult {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-CliResult run(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), "mibrel-cli");
-    std::vector<const char*> argv;
-    for (const auto& argument : arguments) argv.push_back(argument.c_str());
-    std::ostringstream out;
-    std::ostringstream err;
-    const int status = runMibrelCli(static_cast<int>(argv.size()), argv.data(), out, err);
-    return {status, out.str(), err.str()};
-}
 
 class MibrelCliTest : public ::testing::Test {
 protected:

@@ -56,6 +56,8 @@ void addExportCommands(CLI::App& app, CliContext& context);
 void addDevCommands(CLI::App& app, CliContext& context);
 // `analyze` and `report`.
 void addAnalyzeCommands(CLI::App& app, CliContext& context);
+// `import media`, `transcribe`, `helper call` and `media duration`.
+void addMediaCommands(CLI::App& app, CLI::App& importCommand, CliContext& context);
 // `export word`, under the export command.
 void addExportWordCommand(CLI::App& exportCommand, CliContext& context);
 

@@ -132,6 +132,21 @@ const OperationTable<MibrelSourcesState>& sourcesOperations() {
         {"updateTranscript",
          plain<S>([](S& s, const A& a) { s.updateTranscript(a.record<TeskTranscript>(), a.id("sourceID")); })},
         {"deleteSource", plain<S>([](S& s, const A& a) { s.deleteSource(a.id()); })},
+        {"updateTranscriptSegmentText", plain<S>([](S& s, const A& a) {
+             s.updateTranscriptSegmentText(a.id("sourceID"), a.text("segmentID"), a.text("text"));
+         })},
+        {"splitTranscriptSegment", plain<S>([](S& s, const A& a) {
+             s.splitTranscriptSegment(a.id("sourceID"), a.text("segmentID"), a.textOr("firstText"), a.textOr("secondText"));
+         })},
+        {"mergeTranscriptSegmentWithNext",
+         plain<S>([](S& s, const A& a) { s.mergeTranscriptSegmentWithNext(a.id("sourceID"), a.text("segmentID")); })},
+        {"markTranscriptReviewed", plain<S>([](S& s, const A& a) { s.markTranscriptReviewed(a.id("sourceID")); })},
+        {"addMediaNote", plain<S>([](S& s, const A& a) {
+             s.addMediaNote(a.id("sourceID"), a.record<double>("timestamp"), a.text("text"));
+         })},
+        {"updateMediaNote",
+         plain<S>([](S& s, const A& a) { s.updateMediaNote(a.id("sourceID"), a.id("noteID"), a.text("text")); })},
+        {"deleteMediaNote", plain<S>([](S& s, const A& a) { s.deleteMediaNote(a.id("sourceID"), a.id("noteID")); })},
     };
     return table;
 }

@@ -140,6 +140,7 @@ void addImportCommands(CLI::App& app, CliContext& context) {
                           "The answers' column, from 0 (default: the column with the longest average text)");
     responses->add_option("--label-column", options->labelColumn,
                           "A column naming each respondent, from 0 (default: \"Row n\" labels)");
+    addMediaCommands(app, *import, context);
 }
 
 } // namespace mibrel::cli
