@@ -8,7 +8,9 @@
 #include "MibrelCore/Export/TeskHandoffExporter.h"
 #include "MibrelMac/App/MibrelAuditHook.h"
 #include "MibrelMac/App/MibrelLaunchArguments.h"
+#include "MibrelCore/Import/TeskMediaImport.h"
 #include "MibrelMac/State/MibrelDataFiles.h"
+#include "Platform/Files/FileSystem.h"
 
 namespace mibrel {
 namespace {
@@ -73,12 +75,13 @@ void MibrelApp::projectDidChange() {
     }
 }
 
-// Recordings are taken in once media import exists; until then they open an empty project.
 void MibrelApp::dispatchDataImport(const std::filesystem::path& dataFile) {
     if (MibrelDataFiles::isSpreadsheet(dataFile)) {
         m_sourcesState.openResponsesTable(dataFile);
     } else if (MibrelDataFiles::isDocument(dataFile)) {
         m_sourcesState.importTranscript(dataFile);
+    } else if (const auto kind = TeskMediaImport::mediaKind(platform::files::lowercasedExtension(dataFile))) {
+        m_sourcesState.importMedia(dataFile, *kind);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "MibrelCore/Import/TeskMediaImport.h"
 #include "Platform/Files/FileSystem.h"
 
 namespace mibrel::MibrelDataFiles {
@@ -22,10 +23,7 @@ bool isDocument(const std::filesystem::path& location) {
     return contains(documentExtensions, platform::files::lowercasedExtension(location));
 }
 
-bool isMedia(const std::filesystem::path& location) {
-    const std::string extension = platform::files::lowercasedExtension(location);
-    return contains(audioExtensions, extension) || contains(videoExtensions, extension);
-}
+bool isMedia(const std::filesystem::path& location) { return TeskMediaImport::isMediaFile(location); }
 
 bool isDataFile(const std::filesystem::path& location) {
     return isSpreadsheet(location) || isDocument(location) || isMedia(location);

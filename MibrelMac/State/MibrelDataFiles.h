@@ -11,11 +11,10 @@ namespace mibrel::MibrelDataFiles {
 
 inline constexpr std::array<std::string_view, 3> spreadsheetExtensions{"csv", "tsv", "xlsx"};
 inline constexpr std::array<std::string_view, 3> documentExtensions{"txt", "docx", "pdf"};
-inline constexpr std::array<std::string_view, 5> audioExtensions{"m4a", "mp3", "wav", "aac", "caf"};
-inline constexpr std::array<std::string_view, 5> videoExtensions{"mov", "mp4", "m4v", "mpeg", "mpg"};
 
 bool isSpreadsheet(const std::filesystem::path& location);
 bool isDocument(const std::filesystem::path& location);
+// A recording, by the media import's own lists.
 bool isMedia(const std::filesystem::path& location);
 // A spreadsheet, a document or a recording: something to import into a new project.
 bool isDataFile(const std::filesystem::path& location);

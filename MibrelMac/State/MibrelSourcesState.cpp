@@ -35,6 +35,7 @@ void MibrelSourcesState::bind(const std::optional<std::filesystem::path>& projec
     m_selectedSourceID.reset();
     if (projectURL) loadSources(*projectURL);
     if (!m_sources.empty()) m_selectedSourceID = m_sources.front().id;
+    if (projectURL) refreshLoadedMediaTranscriptionStatuses(*projectURL);
     emit sourcesChanged();
     emit transcriptionChanged();
     emit latestImportNoticeChanged();

@@ -23,6 +23,7 @@ using Tone = MibrelTranscriptionStatusTone;
 // Hands work back to the main thread; it is dropped there if the state object is gone.
 template <class Work>
 void onMainThread(const QPointer<MibrelSourcesState>& state, Work work) {
+    if (!QCoreApplication::instance()) return; // no event loop to hand it to
     QMetaObject::invokeMethod(
         QCoreApplication::instance(), [state, work = std::move(work)]() mutable {
             if (state) work(*state);
@@ -159,7 +160,7 @@ void MibrelSourcesState::refreshLoadedMediaTranscriptionStatuses(const fs::path&
             waiting.emplace_back(candidate, transcript(candidate.id));
         }
     }
-    if (waiting.empty()) return;
+    if (waiting.empty() || !QCoreApplication::instance()) return;
     const QPointer<MibrelSourcesState> self(this);
     QThreadPool::globalInstance()->start([self, waiting = std::move(waiting), projectURL] {
         for (const auto& [candidate, text] : waiting) {

@@ -69,10 +69,9 @@ void MibrelCommands::addFileMenu(QMainWindow& window) {
     }
     auto& sources = m_app.sourcesState();
     connect(m_importActions[0], &QAction::triggered, &sources, &MibrelSourcesState::importTranscriptFile);
+    connect(m_importActions[1], &QAction::triggered, &sources, &MibrelSourcesState::importAudioFile);
+    connect(m_importActions[2], &QAction::triggered, &sources, &MibrelSourcesState::importVideoFile);
     connect(m_importActions[3], &QAction::triggered, &sources, &MibrelSourcesState::importResponsesFile);
-    // Recordings come in once the program can prepare and transcribe them.
-    unavailable(m_importActions[1]);
-    unavailable(m_importActions[2]);
     file->addSeparator();
     QAction* handoff = projectAction(addAction(file, QStringLiteral("Send to Kessil Bench…")));
     handoff->setIcon(iconForSymbol("arrow.up.forward.app"));

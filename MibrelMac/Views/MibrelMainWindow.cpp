@@ -52,6 +52,9 @@ MibrelMainWindow::MibrelMainWindow(MibrelApp& app, MibrelQtPanels& panels, QSett
     connect(&sources, &MibrelSourcesState::pendingResponsesImportChanged, this, [this, &sources] {
         if (sources.pendingResponsesImport()) QTimer::singleShot(0, this, &MibrelMainWindow::showResponsesImportSheet);
     });
+    connect(&sources, &MibrelSourcesState::pendingSpeechIntroChanged, this, [this, &sources] {
+        if (sources.pendingSpeechIntro()) QTimer::singleShot(0, this, &MibrelMainWindow::askForSpeechApproval);
+    });
     auto& workspace = app.workspaceState();
     connect(&workspace, &MibrelWorkspaceState::lastErrorChanged, this, [this, &workspace] {
         alertWhenSet(QStringLiteral("Save Problem"), workspace.lastError(),
@@ -93,6 +96,24 @@ void MibrelMainWindow::showResponsesImportSheet() {
     if (!sources.pendingResponsesImport()) return;
     MibrelResponsesImportSheetView sheet(sources, this);
     sheet.exec();
+}
+
+// Asked once: the answer "Transcribe" is remembered, "Not Now" asks again next time.
+void MibrelMainWindow::askForSpeechApproval() {
+    auto& sources = m_app.sourcesState();
+    if (!sources.pendingSpeechIntro()) return;
+    QMessageBox question(QMessageBox::Question, QStringLiteral("On-Device Transcription"),
+                         QString::fromUtf8(MibrelSourcesState::kSpeechIntroQuestion), QMessageBox::NoButton, this);
+    QPushButton* transcribe = question.addButton(QStringLiteral("Transcribe"), QMessageBox::AcceptRole);
+    QPushButton* notNow = question.addButton(QStringLiteral("Not Now"), QMessageBox::RejectRole);
+    question.setDefaultButton(transcribe);
+    question.setEscapeButton(notNow);
+    question.exec();
+    if (question.clickedButton() == transcribe) {
+        sources.confirmSpeechIntro();
+    } else {
+        sources.cancelSpeechIntro();
+    }
 }
 
 void MibrelMainWindow::showRootContent() {

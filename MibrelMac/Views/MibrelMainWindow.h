@@ -34,6 +34,7 @@ private:
     void openSampleProject();
     void askAboutDamagedWorkspace();
     void showResponsesImportSheet();
+    void askForSpeechApproval();
     void buildToolbar();
 
     MibrelApp& m_app;

@@ -50,6 +50,14 @@ IFS= read -r request
 printf '{"ok":tr'
 )";
 
+const char* const kRamblingHelper = R"(
+while IFS= read -r request; do echo 'Loading model...'; done
+)";
+
+const char* const kMisshapenHelper = R"(
+while IFS= read -r request; do echo '["ok",true]'; done
+)";
+
 class TranscriptionTest : public ::testing::Test {
 protected:
     TranscriptionTest() {
@@ -195,6 +203,18 @@ TEST_F(TranscriptionTest, FailuresKeepTheOldTranscriptAndSayWhy) {
 
     useHelper(kDyingHelper);
     EXPECT_EQ(failedRun(id).message, "Transcription helper stopped unexpectedly.");
+    useHelper(kMisshapenHelper);
+    EXPECT_EQ(failedRun(id).message, "Invalid helper response.");
+    useHelper(kRamblingHelper);
+    status = failedRun(id);
+    EXPECT_EQ(status.kind, Kind::failed);
+    EXPECT_FALSE(status.message.empty()); // the JSON parser's own words
+
+    // A helper that cannot be run fails to start with "Permission denied", which reads as
+    // the permission problem it is.
+    useHelper(kSpeakingHelper);
+    fs::permissions(folder / ("helper-" + std::to_string(helpers)), fs::perms::owner_read);
+    EXPECT_EQ(failedRun(id).message.substr(0, 36), "Speech Recognition is not allowed. O");
 
     helper = std::make_unique<MibrelAppleHelperSidecar>([]() -> fs::path { throw MibrelSidecarError::missingAppleHelper(); });
     state.useHelper(*helper);
