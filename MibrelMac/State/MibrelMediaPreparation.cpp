@@ -33,18 +33,25 @@ bool exportAudioM4A(const fs::path& from, const fs::path& to, std::optional<int>
 
 int audioTrackCount(const fs::path& file) { return media::probeMedia(file).audioTrackCount; }
 
-// The first two steps shared by audio and video: the recording must be there, and a
-// derived file already made is used again unless a new one is asked for.
-std::optional<PreparedAudio> reusable(const TeskSource& source, const fs::path& folder, bool forceRegenerate,
-                                      fs::path& recording) {
+// The first steps shared by audio and video: the recording must be there, and a derived
+// file already made is used again unless a new one is asked for.
+struct Preparation {
+    fs::path recording;
+    fs::path derived;
+    std::optional<PreparedAudio> reused;
+};
+
+Preparation startPreparation(const TeskSource& source, const fs::path& projectURL, bool forceRegenerate) {
+    const fs::path folder = TeskSourceStore::sourceDirectory(projectURL, source.id);
     if (!source.mediaFilename || !platform::files::itemExists(folder / *source.mediaFilename)) {
         throw MibrelMediaError::missingMedia();
     }
-    recording = folder / *source.mediaFilename;
-    const fs::path derived = folder / transcriptionAudioName;
-    if (forceRegenerate) removeQuietly(derived);
-    else if (platform::files::itemExists(derived)) return PreparedAudio{derived, transcriptionAudioName};
-    return std::nullopt;
+    Preparation preparation{folder / *source.mediaFilename, folder / transcriptionAudioName, std::nullopt};
+    if (forceRegenerate) removeQuietly(preparation.derived);
+    else if (platform::files::itemExists(preparation.derived)) {
+        preparation.reused = PreparedAudio{preparation.derived, transcriptionAudioName};
+    }
+    return preparation;
 }
 
 } // namespace
@@ -67,27 +74,24 @@ PreparedAudio prepareTranscriptionAudio(const TeskSource& source, const fs::path
 
 PreparedAudio prepareImportedAudioForTranscription(const TeskSource& source, const fs::path& projectURL,
                                                    bool forceRegenerate) {
-    const fs::path folder = TeskSourceStore::sourceDirectory(projectURL, source.id);
-    fs::path recording;
-    if (auto made = reusable(source, folder, forceRegenerate, recording)) return *made;
-    const fs::path derived = folder / transcriptionAudioName;
-    if (normalizeAudioForSpeech(recording, derived)) return {derived, transcriptionAudioName};
-    return {recording, std::nullopt};
+    const Preparation start = startPreparation(source, projectURL, forceRegenerate);
+    if (start.reused) return *start.reused;
+    if (normalizeAudioForSpeech(start.recording, start.derived)) return {start.derived, transcriptionAudioName};
+    return {start.recording, std::nullopt};
 }
 
 PreparedAudio extractAudioTrackForTranscription(const TeskSource& source, const fs::path& projectURL,
                                                 bool forceRegenerate) {
-    const fs::path folder = TeskSourceStore::sourceDirectory(projectURL, source.id);
-    fs::path recording;
-    if (auto made = reusable(source, folder, forceRegenerate, recording)) return *made;
-    const fs::path derived = folder / transcriptionAudioName;
-    if (audioTrackCount(recording) == 0) throw MibrelMediaError::noAudioTrack();
-    if (platform::files::itemExists(derived)) fs::remove(derived);
+    const Preparation start = startPreparation(source, projectURL, forceRegenerate);
+    if (start.reused) return *start.reused;
+    if (audioTrackCount(start.recording) == 0) throw MibrelMediaError::noAudioTrack();
+    if (platform::files::itemExists(start.derived)) fs::remove(start.derived);
     // Video has no format of its own to fall back on.
-    if (!exportAudioM4A(recording, derived, std::nullopt) && !exportAudioM4A(recording, derived, 0)) {
+    if (!exportAudioM4A(start.recording, start.derived, std::nullopt) &&
+        !exportAudioM4A(start.recording, start.derived, 0)) {
         throw MibrelMediaError::audioExtractionUnavailable();
     }
-    return {derived, transcriptionAudioName};
+    return {start.derived, transcriptionAudioName};
 }
 
 bool normalizeAudioForSpeech(const fs::path& from, const fs::path& to) {

@@ -23,6 +23,8 @@ TeskTranscriptionStatus notStartedStatus(std::string message) {
 MibrelSourcesState::MibrelSourcesState(MibrelPanels& panels, QSettings* settings, QObject* parent)
     : QObject(parent), m_panels(panels), m_settings(settings) {}
 
+MibrelSourcesState::~MibrelSourcesState() { cancelAllTranscriptions(); }
+
 void MibrelSourcesState::bind(const std::optional<std::filesystem::path>& projectURL) {
     cancelAllTranscriptions();
     m_projectURL = projectURL;

@@ -48,6 +48,8 @@ public:
 
     // Without settings (the command line) the speech approval is asked each time and never stored.
     explicit MibrelSourcesState(MibrelPanels& panels, QSettings* settings = nullptr, QObject* parent = nullptr);
+    // Runs still going stop at their next check point; their results are dropped.
+    ~MibrelSourcesState() override;
 
     void bind(const std::optional<std::filesystem::path>& projectURL);
 
