@@ -14,6 +14,7 @@
 #include "MibrelMac/Helper/MibrelSidecarError.h"
 #include "MibrelMac/State/MibrelScriptedPanels.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
+#include "MibrelMac/State/MibrelTranscriptionRun.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel {
@@ -276,6 +277,44 @@ TEST_F(TranscriptionTest, OldProjectsGetStatusesForTheirTranscribedRecordings) {
     ASSERT_TRUE(source(id).transcriptionStatus);
     EXPECT_EQ(source(id).transcriptionStatus->kind, Kind::complete);
     EXPECT_NEAR(*source(id).transcriptionStatus->mediaDuration, 3.73, 0.1);
+}
+
+// A WAV of silence, exactly `samples` long at 16 kHz, so that its duration is exact.
+void writeSilentWav(const fs::path& file, std::uint32_t samples) {
+    const std::uint32_t bytes = samples * 2;
+    std::string wav = "RIFF";
+    const auto put = [&wav](std::uint32_t value, int size) {
+        for (int i = 0; i < size; ++i) wav += static_cast<char>((value >> (8 * i)) & 0xFF);
+    };
+    put(36 + bytes, 4);
+    wav += "WAVEfmt ";
+    put(16, 4), put(1, 2), put(1, 2), put(16000, 4), put(32000, 4), put(2, 2), put(16, 2);
+    wav += "data";
+    put(bytes, 4);
+    wav.append(bytes, '\0');
+    testing::writeText(file, wav);
+}
+
+TEST_F(TranscriptionTest, ThirtySecondsGoWholeAndAnyMoreInTwelveSecondChunks) {
+    const std::atomic<bool> running{false};
+    std::vector<double> progress;
+    writeSilentWav(folder / "thirty.wav", 480'000);
+    const auto whole = MibrelTranscription::transcribeCompleteMedia(folder / "thirty.wav", *helper, running,
+                                                                    [&](double p) { progress.push_back(p); });
+    EXPECT_EQ(requestCount(), 1u);
+    EXPECT_NE(testing::readText(log()).find("thirty.wav"), std::string::npos);
+    EXPECT_EQ(whole.segments[0].start, 0.2); // times as the helper gave them
+    EXPECT_TRUE(progress.empty());
+
+    writeSilentWav(folder / "longer.wav", 481'600);
+    const auto chunked = MibrelTranscription::transcribeCompleteMedia(folder / "longer.wav", *helper, running,
+                                                                      [&](double p) { progress.push_back(p); });
+    EXPECT_EQ(requestCount(), 4u);
+    ASSERT_EQ(chunked.segments.size(), 2u); // the second chunk was silent
+    EXPECT_DOUBLE_EQ(*chunked.segments[0].start, 1.0);
+    EXPECT_DOUBLE_EQ(*chunked.segments[1].start, 25.0);
+    ASSERT_EQ(progress.size(), 3u);
+    EXPECT_DOUBLE_EQ(progress[1], 12.0 / 30.1);
 }
 
 } // namespace

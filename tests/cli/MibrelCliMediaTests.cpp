@@ -1,5 +1,7 @@
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -87,6 +89,39 @@ TEST(MibrelCliMediaTest, DurationsAreReadOrRefused) {
     const CliResult refused = run({"media", "duration", (kFixtures / "make-fixtures.sh").string()});
     EXPECT_EQ(refused.status, kExitFailure);
     EXPECT_EQ(refused.err, "Mibrel could not read the duration of this file.\n");
+}
+
+// The program itself, with the real helper and speech model: what a researcher's script gets.
+std::string runProgram(const std::string& arguments) {
+    const std::string command = "env -u MIBREL_APPLE_HELPER '" MIBREL_CLI_EXECUTABLE "' " + arguments + " 2>&1";
+    std::string output;
+    FILE* pipe = ::popen(command.c_str(), "r");
+    if (!pipe) return output;
+    char buffer[4096];
+    for (std::size_t read; (read = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) output.append(buffer, read);
+    ::pclose(pipe);
+    return output;
+}
+
+TEST(MibrelCliMediaTest, ALongRecordingIsTranscribedOnThisMachineEndToEnd) {
+    TemporaryDirectory folder;
+    const std::string project = (folder / "study.mvibrl").string();
+    runProgram("project create '" + project + "'");
+    const std::string output =
+        runProgram("import media '" + project + "' '" + (kFixtures / "long-with-silence.m4a").string() + "' --approve-speech");
+    ASSERT_NE(output.find("\"segments\""), std::string::npos) << output;
+    // Speech recognised from espeak-ng's voice is rough, but some of the spoken words come through.
+    std::set<std::string> heard;
+    for (const char* word : {"teachers", "teacher", "stayed", "because", "mentor", "helped", "principal", "supported",
+                             "support", "school"}) {
+        if (output.find(std::string(" ") + word) != std::string::npos ||
+            output.find(std::string("\"") + word) != std::string::npos) {
+            heard.insert(word);
+        }
+    }
+    EXPECT_GE(heard.size(), 2u) << output;
+    EXPECT_NE(output.find("\"start\": 3"), std::string::npos) << "speech after the first 30 seconds: " << output;
+    EXPECT_NE(output.find("\"kind\": \"complete\""), std::string::npos) << output;
 }
 
 } // namespace
