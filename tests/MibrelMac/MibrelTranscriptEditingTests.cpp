@@ -4,6 +4,8 @@
 #include "MibrelCore/Storage/TeskSourceStore.h"
 #include "MibrelMac/State/MibrelScriptedPanels.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
+#include "MibrelMac/State/MibrelTranscriptRowEditing.h"
+#include "MibrelMac/State/MibrelWorkspaceState.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel {
@@ -130,6 +132,36 @@ TEST_F(TranscriptEditingTest, MediaNotesStayInTimeOrderAndBlankOnesGo) {
     ASSERT_EQ(state.sources()[0].mediaNotes.size(), 1u);
     ASSERT_EQ(TeskSourceStore::loadIndex(project)[0].mediaNotes.size(), 1u);
     EXPECT_EQ(TeskSourceStore::loadIndex(project)[0].mediaNotes[0].text, "Laughs loudly");
+}
+
+TEST(TranscriptRowEditingTest, ASplitIsProposedAtTheMiddleWord) {
+    using MibrelTranscriptRowEditing::suggestedSplit;
+    using Halves = std::pair<std::string, std::string>;
+    EXPECT_EQ(suggestedSplit("one two three"), Halves("one", "two three"));
+    EXPECT_EQ(suggestedSplit("one  two   three four"), Halves("one two", "three four"));
+    EXPECT_EQ(suggestedSplit("one"), Halves("one", ""));
+    EXPECT_EQ(suggestedSplit(" one "), Halves(" one ", ""));
+}
+
+// Evidence on the next segment would lose its segment; evidence on this one keeps it.
+TEST_F(TranscriptEditingTest, MergingIsOfferedUnlessTheNextSegmentHoldsEvidence) {
+    using MibrelTranscriptRowEditing::mergeWithNext;
+    MibrelWorkspaceState workspace;
+    workspace.bind(project);
+    workspace.addCode("Workload", "");
+    const Uuid code = workspace.workspace().codes[0].id;
+    workspace.addApplication(TeskResponseRef{id, "a", std::nullopt, std::nullopt}, code, "one two", "");
+    const auto& transcript = state.transcript(id);
+    const MibrelTranscriptRowEditing::MergeAvailability offered{true, "Merge with next segment"};
+    EXPECT_EQ(mergeWithNext(workspace, id, "a", transcript), offered);
+    EXPECT_EQ(mergeWithNext(workspace, id, "d", transcript), offered);
+    workspace.addApplication(TeskResponseRef{id, "b", std::nullopt, std::nullopt}, code, "untimed", "");
+    EXPECT_EQ(mergeWithNext(workspace, id, "a", transcript),
+              (MibrelTranscriptRowEditing::MergeAvailability{
+                  false, "Next segment has coded evidence; remove or move codes before merging."}));
+    EXPECT_EQ(MibrelTranscriptRowEditing::nextSegment("c", transcript)->id, "d");
+    EXPECT_FALSE(MibrelTranscriptRowEditing::nextSegment("d", transcript));
+    EXPECT_FALSE(MibrelTranscriptRowEditing::nextSegment("zz", transcript));
 }
 
 } // namespace
