@@ -3,12 +3,12 @@
 #include <exception>
 #include <system_error>
 
-#include <QCoreApplication>
 #include <QPointer>
 #include <QThreadPool>
 
 #include "MibrelCore/Import/TeskMediaImport.h"
 #include "MibrelCore/Storage/TeskSourceStore.h"
+#include "MibrelMac/State/MibrelMainThread.h"
 #include "MibrelMac/State/MibrelPanels.h"
 #include "Platform/Files/FileSystem.h"
 
@@ -75,14 +75,11 @@ void MibrelSourcesState::importMedia(const fs::path& location, TeskMediaKind kin
         } catch (const std::exception& error) {
             failure = error.what();
         }
-        QMetaObject::invokeMethod(
-            QCoreApplication::instance(), [=] {
-                if (!self) return;
-                --self->m_mediaImportsInFlight;
-                if (failure) self->setLastError(failure);
-                else self->finishMediaImport(source, projectURL, kind);
-            },
-            Qt::QueuedConnection);
+        onMainThread(self, [=](MibrelSourcesState& state) {
+            --state.m_mediaImportsInFlight;
+            if (failure) state.setLastError(failure);
+            else state.finishMediaImport(source, projectURL, kind);
+        });
     });
 }
 

@@ -9,6 +9,7 @@
 #include "MibrelCore/Storage/TeskSourceStore.h"
 #include "MibrelMac/Helper/MibrelAppleHelperSidecar.h"
 #include "MibrelMac/Media/MibrelMediaAsset.h"
+#include "MibrelMac/State/MibrelMainThread.h"
 #include "MibrelMac/State/MibrelMediaPreparation.h"
 #include "MibrelMac/State/MibrelTranscriptionRules.h"
 #include "MibrelMac/State/MibrelTranscriptionRun.h"
@@ -19,17 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Tone = MibrelTranscriptionStatusTone;
-
-// Hands work back to the main thread; it is dropped there if the state object is gone.
-template <class Work>
-void onMainThread(const QPointer<MibrelSourcesState>& state, Work work) {
-    if (!QCoreApplication::instance()) return; // no event loop to hand it to
-    QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [state, work = std::move(work)]() mutable {
-            if (state) work(*state);
-        },
-        Qt::QueuedConnection);
-}
 
 TeskTranscriptionStatus endedStatus(TeskTranscriptionStatusKind kind, std::string message) {
     return {kind, std::move(message), 0, std::nullopt, std::nullopt, platform::now()};

@@ -392,4 +392,23 @@ bool localizedCaseInsensitiveContains(std::string_view haystack, std::string_vie
     return !foldedNeedle.isEmpty() && foldedForSearch(haystack).indexOf(foldedNeedle) >= 0;
 }
 
+std::vector<std::string> alphanumericRuns(std::string_view text) {
+    std::vector<std::string> runs;
+    std::string run;
+    const auto length = static_cast<std::int32_t>(text.size());
+    for (std::int32_t offset = 0; offset < length;) {
+        const std::int32_t start = offset;
+        UChar32 character = 0;
+        U8_NEXT(text.data(), offset, length, character);
+        if (character >= 0 && u_isalnum(character)) {
+            run.append(text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(offset - start)));
+        } else if (!run.empty()) {
+            runs.push_back(std::move(run));
+            run.clear();
+        }
+    }
+    if (!run.empty()) runs.push_back(std::move(run));
+    return runs;
+}
+
 } // namespace platform::text

@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Text helpers over UTF-8 strings. A "character" is a user-perceived character
 // (an extended grapheme cluster), which is what lengths, prefixes and offsets count.
@@ -12,6 +13,10 @@ namespace platform::text {
 
 // Removes Unicode whitespace and newlines (the White_Space property) from both ends.
 std::string trimmed(std::string_view text);
+
+// The runs of letters and digits (Unicode alphanumerics), in order; every other
+// character, apostrophes and hyphens included, separates them.
+std::vector<std::string> alphanumericRuns(std::string_view text);
 
 // Removes blanks only (spaces of every kind and tabs) from both ends; newlines stay.
 std::string trimmedOfBlanks(std::string_view text);

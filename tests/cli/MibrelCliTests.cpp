@@ -284,3 +284,35 @@ TEST(MibrelCliUsage, HelpAtEveryLevelAndUsageErrors) {
 
 } // namespace
 } // namespace mibrel::cli
+
+namespace mibrel::cli {
+namespace {
+
+TEST_F(MibrelCliTest, SuggestionsAreListedAndAcceptedOnlyWhenAsked) {
+    const std::string project = createProject();
+    writeText(folder / "talk.txt", "My mentor helped a lot.\n\nThe weather was fine.\n\nMentor meetings helped.");
+    const CliResult imported = run({"import", "transcript", project, (folder / "talk.txt").string()});
+    ASSERT_EQ(imported.status, kExitSuccess) << imported.err;
+    const std::string sourceID = imported.out.substr(imported.out.find("\"id\": \"") + 7, 36);
+    ASSERT_EQ(run({"edit", project, "addCode", R"({"name":"Mentor","definition":"Guidance from a colleague"})"}).status,
+              kExitSuccess);
+
+    const CliResult listed = run({"suggest", project, sourceID, "--local"});
+    ASSERT_EQ(listed.status, kExitSuccess) << listed.err;
+    EXPECT_NE(listed.out.find("\"accepted\": 0"), std::string::npos);
+    EXPECT_NE(listed.out.find("\"rationale\": \"Matched terms: mentor.\""), std::string::npos) << listed.out;
+    EXPECT_EQ(readText(folder / "study.mvibrl" / "qual" / "workspace.json").find("Accepted from"), std::string::npos);
+
+    const CliResult accepted = run({"suggest", project, sourceID, "--local", "--accept-all"});
+    ASSERT_EQ(accepted.status, kExitSuccess) << accepted.err;
+    EXPECT_NE(accepted.out.find("\"accepted\": 2"), std::string::npos) << accepted.out;
+    const std::string workspace = readText(folder / "study.mvibrl" / "qual" / "workspace.json");
+    EXPECT_NE(workspace.find("\"excerpt\": \"My mentor helped a lot.\""), std::string::npos);
+    EXPECT_NE(workspace.find("Accepted from Merivante Intelligence suggestion"), std::string::npos);
+    // Coded segments are not suggested for again.
+    EXPECT_NE(run({"suggest", project, sourceID, "--local"}).out.find("\"suggestions\": []"), std::string::npos);
+    EXPECT_EQ(run({"suggest", project, "not-an-id"}).status, kExitUsage);
+}
+
+} // namespace
+} // namespace mibrel::cli

@@ -56,6 +56,12 @@ void addExportCommands(CLI::App& app, CliContext& context);
 void addDevCommands(CLI::App& app, CliContext& context);
 // `analyze` and `report`.
 void addAnalyzeCommands(CLI::App& app, CliContext& context);
+// Background work reports back through the event loop, as in the window: commands that
+// wait for it make sure there is one.
+void ensureEventLoop();
+
+// `suggest`.
+void addSuggestCommand(CLI::App& app, CliContext& context);
 // `import media`, `transcribe`, `helper call` and `media duration`.
 void addMediaCommands(CLI::App& app, CLI::App& importCommand, CliContext& context);
 // `export word`, under the export command.

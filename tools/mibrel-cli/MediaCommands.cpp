@@ -44,14 +44,6 @@ struct MediaOptions {
     std::optional<std::string> args;
 };
 
-// Background work reports back through the event loop, as in the window.
-void ensureEventLoop() {
-    static int argc = 1;
-    static char name[] = "mibrel-cli";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv); // lives as long as the program
-}
-
 // Runs the event loop until the copies and transcriptions have come back.
 void waitUntilIdle(const MibrelSourcesState& sources) {
     const auto busy = [&] { return sources.mediaImportsInFlight() > 0 || !sources.transcribing().empty(); };

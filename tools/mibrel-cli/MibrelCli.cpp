@@ -2,6 +2,8 @@
 
 #include <exception>
 
+#include <QCoreApplication>
+
 #include "MibrelCore/Storage/TeskProjectArchive.h"
 #include "tools/mibrel-cli/CliCommand.h"
 
@@ -31,6 +33,13 @@ std::filesystem::path openedProject(const std::string& typed) {
     return projectURL;
 }
 
+void ensureEventLoop() {
+    static int argc = 1;
+    static char name[] = "mibrel-cli";
+    static char* argv[] = {name, nullptr};
+    if (!QCoreApplication::instance()) new QCoreApplication(argc, argv); // lives as long as the program
+}
+
 std::filesystem::path absolutePath(const std::string& typed) {
     std::filesystem::path path = std::filesystem::absolute(typed).lexically_normal();
     if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();
@@ -50,6 +59,7 @@ int runMibrelCli(int argc, const char* const* argv, std::ostream& out, std::ostr
     addExportCommands(app, context);
     addAnalyzeCommands(app, context);
     addDevCommands(app, context);
+    addSuggestCommand(app, context);
 
     try {
         app.parse(argc, argv);

@@ -1,0 +1,238 @@
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QThread>
+#include <gtest/gtest.h>
+
+#include "MibrelCore/Storage/TeskProjectArchive.h"
+#include "MibrelMac/Helper/MibrelAppleHelperSidecar.h"
+#include "MibrelMac/Helper/TeskAppleIntelligenceAssist.h"
+#include "MibrelMac/State/MibrelAssistRun.h"
+#include "MibrelMac/State/MibrelScriptedPanels.h"
+#include "MibrelMac/State/MibrelSourcesState.h"
+#include "MibrelMac/State/MibrelWorkspaceState.h"
+#include "tests/support/TestSupport.h"
+
+namespace mibrel {
+namespace {
+
+namespace fs = std::filesystem;
+namespace assist = TeskAppleIntelligenceAssist;
+using testing::TemporaryDirectory;
+
+TeskCode code(std::string name, std::string definition = "") {
+    TeskCode result;
+    result.name = std::move(name);
+    result.definition = std::move(definition);
+    return result;
+}
+
+class ParseSuggestionTest : public ::testing::Test {
+protected:
+    std::optional<TeskCodeSuggestion> parse(const std::string& text) {
+        return assist::parseSuggestion(text, segment, source, codes);
+    }
+    std::vector<TeskCode> codes{code("Workload", "Hours and tasks"), code("Mentor support", "Help from a mentor")};
+    TranscriptSegment segment{"s9", 1.0, 2.0, "Long days."};
+    Uuid source = Uuid::random();
+};
+
+TEST_F(ParseSuggestionTest, NoneAndNonsenseGiveNothing) {
+    EXPECT_FALSE(parse("  none \n"));
+    EXPECT_FALSE(parse(""));
+    EXPECT_FALSE(parse("CODE|Workload|0.7"));          // three fields
+    EXPECT_FALSE(parse("Here:\n CODE|Workload|0.7|leading blank")); // lines are not trimmed
+    EXPECT_FALSE(parse("CODE|Invented|0.9|no such code"));
+    EXPECT_FALSE(parse("CODE|Mentor  support|0.9|another blank inside"));
+}
+
+TEST_F(ParseSuggestionTest, LinesAreReadTolerantlyAndTheFirstSetsConfidenceAndRationale) {
+    const auto two = parse("Sure, here you go:\n\ncode| workload |0.8|Long hours | late nights\nCODE|MENTOR SUPPORT|0.3|x");
+    ASSERT_TRUE(two);
+    EXPECT_EQ(two->suggestedCodeIDs, (std::vector<Uuid>{codes[0].id, codes[1].id}));
+    EXPECT_DOUBLE_EQ(two->confidence, 0.8);
+    EXPECT_EQ(two->rationale, "Long hours | late nights");
+    EXPECT_EQ(two->response, (TeskResponseRef{source, "s9", std::nullopt, std::nullopt}));
+
+    EXPECT_DOUBLE_EQ(parse("CODE|Workload|1.2|x")->confidence, 0.95);
+    EXPECT_DOUBLE_EQ(parse("CODE|Workload|0|x")->confidence, 0.1);
+    EXPECT_DOUBLE_EQ(parse("CODE|Workload|high|x")->confidence, 0.6);
+    EXPECT_DOUBLE_EQ(parse("CODE|Workload| 0.7|x")->confidence, 0.6);
+    EXPECT_EQ(parse("CODE|Workload|0.7|")->rationale, "Suggested by Apple Intelligence.");
+    EXPECT_EQ(parse("CODE|Workload|0.7|a\nCODE|Workload|0.2|b")->suggestedCodeIDs.size(), 2u); // repeats kept
+}
+
+// A fake helper: the model is there, and answers each segment by what it contains.
+const char* const kModelHelper = R"(
+while IFS= read -r request; do
+  printf '%s\n' "$request" >> "$LOG"
+  case "$request" in
+    *ai.status*) echo "{\"ok\":true,\"result\":{\"available\":$AVAILABLE,\"model\":\"Local model\"}}" ;;
+    *"$FAIL_ON"*) echo '{"ok":false,"error":"The model stopped."}' ;;
+    *Mentor*) echo '{"ok":true,"result":{"text":"CODE|Mentor|0.9|asked a mentor\nCODE|Workload|0.4|hours"}}' ;;
+    *) echo '{"ok":true,"result":{"text":"NONE"}}' ;;
+  esac
+done
+)";
+
+class AssistRunTest : public ::testing::Test {
+protected:
+    AssistRunTest() {
+        TeskProjectArchive::createEmpty(project, "Study", false);
+        sources.bind(project);
+        workspace.bind(project);
+        testing::writeText(folder / "Interview.txt", "placeholder");
+        sources.importTranscript(folder / "Interview.txt");
+        sourceID = sources.sources()[0].id;
+        sources.updateTranscript({{{"a", std::nullopt, std::nullopt, "My mentor helped with the late hours."},
+                                   {"b", std::nullopt, std::nullopt, "Salary was never enough."},
+                                   {"c", std::nullopt, std::nullopt, "Nothing to see."}}},
+                                 sourceID);
+        workspace.addCode("Mentor", "A colleague who guides");
+        workspace.addCode("Workload", "Late hours");
+        useModel("true", "never");
+    }
+
+    void useModel(const std::string& available, const std::string& failOn) {
+        const fs::path script = folder / ("helper-" + std::to_string(++helpers));
+        testing::writeText(script, "#!/bin/bash\nLOG='" + (folder / "requests.log").string() + "'\nAVAILABLE=" +
+                                       available + "\nFAIL_ON='" + failOn + "'\n" + kModelHelper);
+        fs::permissions(script, fs::perms::owner_all);
+        helper = std::make_unique<MibrelAppleHelperSidecar>([script] { return script; });
+        run.useHelper(*helper);
+    }
+
+    void waitForRun() {
+        QDeadlineTimer deadline(60'000);
+        while (run.isRunning() && !deadline.hasExpired()) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+            QThread::msleep(2);
+        }
+        ASSERT_FALSE(run.isRunning());
+    }
+
+    Uuid codeID(std::size_t index) const { return workspace.workspace().codes[index].id; }
+
+    TemporaryDirectory folder;
+    fs::path project = folder / "Study.mvibrl";
+    MibrelScriptedPanels panels;
+    MibrelSourcesState sources{panels};
+    MibrelWorkspaceState workspace;
+    MibrelAssistRun run{sources, workspace};
+    std::unique_ptr<MibrelAppleHelperSidecar> helper;
+    int helpers = 0;
+    Uuid sourceID;
+};
+
+TEST_F(AssistRunTest, TheModelSuggestsAndAcceptingAppliesEveryCodeWithTheWholeSegment) {
+    EXPECT_EQ(run.display().heading, "Ready when you are");
+    run.runSuggestions();
+    EXPECT_EQ(run.display().command, "Cancel");
+    waitForRun();
+    EXPECT_TRUE(run.usedAppleIntelligence());
+    ASSERT_EQ(run.suggestions().size(), 1u);
+    const TeskCodeSuggestion suggestion = run.suggestions()[0];
+    EXPECT_EQ(suggestion.suggestedCodeIDs, (std::vector<Uuid>{codeID(0), codeID(1)}));
+    EXPECT_EQ(MibrelAssistRun::matchText(suggestion.confidence), "90% match");
+    EXPECT_EQ(run.display().text,
+              "Review each match from Apple Intelligence. Accept routes through the same coding path as manual apply.");
+    const std::string log = testing::readText(folder / "requests.log");
+    EXPECT_NE(log.find("\"context\":\"Codebook:\\n- Mentor: A colleague who guides\\n- Workload: Late hours\\n\\n"
+                       "Segment:\\nMy mentor helped with the late hours.\""),
+              std::string::npos)
+        << log;
+    EXPECT_NE(log.find("\"max_tokens\":220"), std::string::npos);
+
+    run.accept(suggestion.id);
+    const auto applications = workspace.applicationsForSource(sourceID);
+    ASSERT_EQ(applications.size(), 2u);
+    for (const auto& application : applications) {
+        EXPECT_EQ(application.excerpt, "My mentor helped with the late hours.");
+        EXPECT_EQ(application.memo, "Accepted from Merivante Intelligence (Apple Intelligence)");
+    }
+    EXPECT_TRUE(run.suggestions().empty());
+
+    // Coded segments are never suggested for again.
+    run.runSuggestions();
+    waitForRun();
+    EXPECT_TRUE(run.suggestions().empty() || run.suggestions()[0].response.segmentID != "a");
+}
+
+TEST_F(AssistRunTest, ASilentOrFailingModelFallsBackOnKeywords) {
+    useModel("true", "Mentor"); // fails on the one segment it would have answered
+    run.runSuggestions();
+    waitForRun();
+    EXPECT_FALSE(run.lastError());
+    ASSERT_EQ(run.suggestions().size(), 1u); // the local engine's
+    EXPECT_EQ(run.suggestions()[0].rationale.rfind("Matched terms: ", 0), 0u);
+
+    // Nothing from the model and nothing from the keywords either: the failure is shown.
+    workspace.deleteCode(codeID(1));
+    workspace.deleteCode(codeID(0));
+    workspace.addCode("Policy", "District rules");
+    useModel("true", "ai.generate");
+    run.runSuggestions();
+    waitForRun();
+    EXPECT_EQ(run.lastError(), "The model stopped.");
+    EXPECT_FALSE(run.usedAppleIntelligence());
+    EXPECT_EQ(run.display().heading, "Suggestions could not run");
+}
+
+TEST_F(AssistRunTest, WithoutTheModelKeywordsMatchAndAStaleRunNeverWins) {
+    useModel("false", "never");
+    run.runSuggestions();
+    workspace.addCode("Salary", "Pay that is never enough");
+    run.runSuggestions(); // the first run, cancelled, must not show as canceled nor with its findings
+    waitForRun();
+    EXPECT_FALSE(run.usedAppleIntelligence());
+    EXPECT_FALSE(run.wasCanceled());
+    ASSERT_EQ(run.suggestions().size(), 2u);
+    run.dismiss(run.suggestions()[1].id);
+    EXPECT_EQ(run.display().text, "Review each local match. Accept routes through the same coding path as manual apply.");
+    run.accept(run.suggestions()[0].id);
+    EXPECT_EQ(workspace.applicationsForSource(sourceID)[0].memo, "Accepted from Merivante Intelligence suggestion");
+
+    run.runSuggestions();
+    run.cancel();
+    waitForRun();
+    EXPECT_TRUE(run.wasCanceled());
+    EXPECT_TRUE(run.suggestions().empty());
+    EXPECT_EQ(run.display().heading, "Canceled");
+
+    run.dismiss(Uuid::random());
+    workspace.deleteCode(workspace.workspace().codes[2].id);
+    run.runSuggestions();
+    waitForRun();
+    EXPECT_EQ(run.display().heading, "No matches found");
+    EXPECT_EQ(run.display().text, "No segments in this source matched your codebook.");
+}
+
+TEST_F(AssistRunTest, AGoneSegmentKeepsItsRowAndTheCodebookMustNotBeEmpty) {
+    useModel("false", "never");
+    run.runSuggestions();
+    waitForRun();
+    ASSERT_EQ(run.suggestions().size(), 1u);
+    sources.updateTranscriptSegmentText(sourceID, "a", "");
+    EXPECT_EQ(run.segmentText(run.suggestions()[0].response), "(segment no longer exists)");
+    run.accept(run.suggestions()[0].id);
+    EXPECT_EQ(run.suggestions().size(), 1u);
+    EXPECT_TRUE(workspace.applicationsForSource(sourceID).empty());
+    run.dismiss(run.suggestions()[0].id);
+    EXPECT_TRUE(run.suggestions().empty());
+
+    workspace.deleteCode(codeID(1));
+    workspace.deleteCode(codeID(0));
+    EXPECT_EQ(run.display().heading, "Add codes first");
+}
+
+TEST(AppleIntelligenceStatusTest, AnyFailureReadsAsNotAvailable) {
+    MibrelAppleHelperSidecar missing([]() -> fs::path { throw std::runtime_error("no helper"); });
+    EXPECT_EQ(assist::status(missing),
+              (TeskAppleIntelligenceStatus{false, "Apple Intelligence", "Not available on this Mac."}));
+}
+
+} // namespace
+} // namespace mibrel
