@@ -65,14 +65,17 @@ TEST_F(ParseSuggestionTest, LinesAreReadTolerantlyAndTheFirstSetsConfidenceAndRa
     EXPECT_EQ(parse("CODE|Workload|0.7|a\nCODE|Workload|0.2|b")->suggestedCodeIDs.size(), 2u); // repeats kept
 }
 
-// A fake helper: the model is there, and answers each segment by what it contains.
+// A fake helper with a model that knows one segment, fails on requests holding $FAIL_ON,
+// and says NONE to everything with SILENT=true.
 const char* const kModelHelper = R"(
 while IFS= read -r request; do
   printf '%s\n' "$request" >> "$LOG"
   case "$request" in
     *ai.status*) echo "{\"ok\":true,\"result\":{\"available\":$AVAILABLE,\"model\":\"Local model\"}}" ;;
     *"$FAIL_ON"*) echo '{"ok":false,"error":"The model stopped."}' ;;
-    *Mentor*) echo '{"ok":true,"result":{"text":"CODE|Mentor|0.9|asked a mentor\nCODE|Workload|0.4|hours"}}' ;;
+    *'Segment:\nMy mentor'*)
+      if [ "$SILENT" = true ]; then echo '{"ok":true,"result":{"text":"none"}}'
+      else echo '{"ok":true,"result":{"text":"CODE|Mentor|0.9|asked a mentor\nCODE|Workload|0.4|hours"}}'; fi ;;
     *) echo '{"ok":true,"result":{"text":"NONE"}}' ;;
   esac
 done
@@ -93,13 +96,14 @@ protected:
                                  sourceID);
         workspace.addCode("Mentor", "A colleague who guides");
         workspace.addCode("Workload", "Late hours");
-        useModel("true", "never");
+        useModel("true", "no such request");
     }
 
-    void useModel(const std::string& available, const std::string& failOn) {
+    void useModel(const std::string& available, const std::string& failOn, bool silent = false) {
         const fs::path script = folder / ("helper-" + std::to_string(++helpers));
         testing::writeText(script, "#!/bin/bash\nLOG='" + (folder / "requests.log").string() + "'\nAVAILABLE=" +
-                                       available + "\nFAIL_ON='" + failOn + "'\n" + kModelHelper);
+                                       available + "\nFAIL_ON='" + failOn + "'\nSILENT=" + (silent ? "true" : "false") + "\n" +
+                                       kModelHelper);
         fs::permissions(script, fs::perms::owner_all);
         helper = std::make_unique<MibrelAppleHelperSidecar>([script] { return script; });
         run.useHelper(*helper);
@@ -162,11 +166,18 @@ TEST_F(AssistRunTest, TheModelSuggestsAndAcceptingAppliesEveryCodeWithTheWholeSe
 }
 
 TEST_F(AssistRunTest, ASilentOrFailingModelFallsBackOnKeywords) {
-    useModel("true", "Mentor"); // fails on the one segment it would have answered
+    useModel("true", "no such request", true);
+    run.runSuggestions();
+    waitForRun();
+    EXPECT_TRUE(run.usedAppleIntelligence()); // the flag stays as the run began
+    ASSERT_EQ(run.suggestions().size(), 1u); // the local engine's
+    EXPECT_EQ(run.suggestions()[0].rationale.rfind("Matched terms: ", 0), 0u);
+
+    useModel("true", "Segment:\\nMy mentor"); // fails on the one segment it would have answered
     run.runSuggestions();
     waitForRun();
     EXPECT_FALSE(run.lastError());
-    ASSERT_EQ(run.suggestions().size(), 1u); // the local engine's
+    ASSERT_EQ(run.suggestions().size(), 1u);
     EXPECT_EQ(run.suggestions()[0].rationale.rfind("Matched terms: ", 0), 0u);
 
     // Nothing from the model and nothing from the keywords either: the failure is shown.
@@ -182,7 +193,7 @@ TEST_F(AssistRunTest, ASilentOrFailingModelFallsBackOnKeywords) {
 }
 
 TEST_F(AssistRunTest, WithoutTheModelKeywordsMatchAndAStaleRunNeverWins) {
-    useModel("false", "never");
+    useModel("false", "no such request");
     run.runSuggestions();
     workspace.addCode("Salary", "Pay that is never enough");
     run.runSuggestions(); // the first run, cancelled, must not show as canceled nor with its findings
@@ -211,7 +222,7 @@ TEST_F(AssistRunTest, WithoutTheModelKeywordsMatchAndAStaleRunNeverWins) {
 }
 
 TEST_F(AssistRunTest, AGoneSegmentKeepsItsRowAndTheCodebookMustNotBeEmpty) {
-    useModel("false", "never");
+    useModel("false", "no such request");
     run.runSuggestions();
     waitForRun();
     ASSERT_EQ(run.suggestions().size(), 1u);
