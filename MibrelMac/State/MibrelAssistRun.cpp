@@ -174,6 +174,29 @@ void MibrelAssistRun::sourceChanged() {
     emit changed();
 }
 
+std::pair<std::string, std::string> MibrelAssistRun::inspectorStatus() const {
+    if (m_intelligenceStatus.available) {
+        return {"Apple Intelligence ready", "On-device model suggests codes when you run Suggest."};
+    }
+    return {"Local matching", "Keyword matching runs on this Mac."};
+}
+
+std::optional<std::string> MibrelAssistRun::suggestCommandHint() const {
+    if (!m_sources.selectedSourceID()) return "Select a source in the sidebar.";
+    if (m_workspace.workspace().codes.isEmpty()) return "Add codes in the Codebook before running suggest.";
+    return std::nullopt;
+}
+
+void MibrelAssistRun::refreshIntelligenceStatus() {
+    if (m_localOnly) return;
+    const QPointer<MibrelAssistRun> self(this);
+    MibrelAppleHelperSidecar* helper = m_helper ? m_helper : &MibrelAppleHelperSidecar::shared();
+    QThreadPool::globalInstance()->start([self, helper, runID = m_runID] {
+        const auto status = TeskAppleIntelligenceAssist::status(*helper);
+        onMainThread(self, [=](MibrelAssistRun& run) { run.useStatus(runID, status); });
+    });
+}
+
 std::string MibrelAssistRun::matchText(double confidence) {
     return std::to_string(static_cast<long long>(std::trunc(confidence * 100))) + "% match";
 }

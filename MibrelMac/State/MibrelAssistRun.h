@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QObject>
@@ -70,6 +71,12 @@ public:
     void sourceChanged();
 
     MibrelAssistDisplay display() const;
+    // The inspector's status row: a title and a line.
+    std::pair<std::string, std::string> inspectorStatus() const;
+    // Why Suggest Codes cannot run now; absent when it can.
+    std::optional<std::string> suggestCommandHint() const;
+    // Asks the helper whether the model is there, in the background (the tool opening).
+    void refreshIntelligenceStatus();
     // "87% match"
     static std::string matchText(double confidence);
     // The suggestion's segment text, or "(segment no longer exists)".

@@ -237,6 +237,26 @@ TEST_F(AssistRunTest, AGoneSegmentKeepsItsRowAndTheCodebookMustNotBeEmpty) {
     workspace.deleteCode(codeID(1));
     workspace.deleteCode(codeID(0));
     EXPECT_EQ(run.display().heading, "Add codes first");
+    EXPECT_EQ(run.suggestCommandHint(), "Add codes in the Codebook before running suggest.");
+    sources.select(std::nullopt);
+    EXPECT_EQ(run.suggestCommandHint(), "Select a source in the sidebar.");
+    EXPECT_EQ(run.inspectorStatus().first, "Local matching");
+}
+
+TEST_F(AssistRunTest, OpeningTheToolAsksWhetherTheModelIsThere) {
+    EXPECT_EQ(run.suggestCommandHint(), std::nullopt);
+    run.refreshIntelligenceStatus();
+    QDeadlineTimer deadline(30'000);
+    while (!run.intelligenceStatus().available && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(2);
+    }
+    EXPECT_EQ(run.intelligenceStatus().model, "Local model");
+    EXPECT_EQ(run.inspectorStatus(),
+              std::make_pair(std::string("Apple Intelligence ready"),
+                             std::string("On-device model suggests codes when you run Suggest.")));
+    EXPECT_EQ(run.display().text,
+              "Select a source, then click Suggest Codes in the inspector. Apple Intelligence is available on this Mac.");
 }
 
 TEST(AppleIntelligenceStatusTest, AnyFailureReadsAsNotAvailable) {
