@@ -66,12 +66,13 @@ TEST_F(ParseSuggestionTest, LinesAreReadTolerantlyAndTheFirstSetsConfidenceAndRa
 }
 
 // A fake helper with a model that knows one segment, fails on requests holding $FAIL_ON,
-// and says NONE to everything with SILENT=true.
+// and says NONE to everything with SILENT=true. Its status waits for the file $WAIT_FOR
+// when that is set, so a test can act while a run is surely under way.
 const char* const kModelHelper = R"(
 while IFS= read -r request; do
   printf '%s\n' "$request" >> "$LOG"
   case "$request" in
-    *ai.status*) echo "{\"ok\":true,\"result\":{\"available\":$AVAILABLE,\"model\":\"Local model\"}}" ;;
+    *ai.status*) while [ -n "$WAIT_FOR" ] && [ ! -e "$WAIT_FOR" ]; do sleep 0.01; done; echo "{\"ok\":true,\"result\":{\"available\":$AVAILABLE,\"model\":\"Local model\"}}" ;;
     *"$FAIL_ON"*) echo '{"ok":false,"error":"The model stopped."}' ;;
     *'Segment:\nMy mentor'*)
       if [ "$SILENT" = true ]; then echo '{"ok":true,"result":{"text":"none"}}'
@@ -99,11 +100,13 @@ protected:
         useModel("true", "no such request");
     }
 
-    void useModel(const std::string& available, const std::string& failOn, bool silent = false) {
+    void useModel(const std::string& available, const std::string& failOn, bool silent = false,
+                  const std::string& waitFor = "") {
         const fs::path script = folder / ("helper-" + std::to_string(++helpers));
-        testing::writeText(script, "#!/bin/bash\nLOG='" + (folder / "requests.log").string() + "'\nAVAILABLE=" +
-                                       available + "\nFAIL_ON='" + failOn + "'\nSILENT=" + (silent ? "true" : "false") + "\n" +
-                                       kModelHelper);
+        const std::string settings = "LOG='" + (folder / "requests.log").string() + "'\nAVAILABLE=" + available +
+                                     "\nFAIL_ON='" + failOn + "'\nSILENT=" + (silent ? "true" : "false") +
+                                     "\nWAIT_FOR='" + waitFor + "'\n";
+        testing::writeText(script, "#!/bin/bash\n" + settings + kModelHelper);
         fs::permissions(script, fs::perms::owner_all);
         helper = std::make_unique<MibrelAppleHelperSidecar>([script] { return script; });
         run.useHelper(*helper);
@@ -206,8 +209,10 @@ TEST_F(AssistRunTest, WithoutTheModelKeywordsMatchAndAStaleRunNeverWins) {
     run.accept(run.suggestions()[0].id);
     EXPECT_EQ(workspace.applicationsForSource(sourceID)[0].memo, "Accepted from Merivante Intelligence suggestion");
 
+    useModel("false", "no such request", false, (folder / "go").string());
     run.runSuggestions();
     run.cancel();
+    testing::writeText(folder / "go", "");
     waitForRun();
     EXPECT_TRUE(run.wasCanceled());
     EXPECT_TRUE(run.suggestions().empty());
