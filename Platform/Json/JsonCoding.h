@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -172,6 +173,26 @@ struct JsonCoder<std::vector<T>> {
         writer.startArray();
         for (const auto& item : items) JsonCoder<T>::encode(writer, item);
         writer.endArray();
+    }
+};
+
+// An object whose keys are data, such as counts by name; written in key order.
+template <class T>
+struct JsonCoder<std::map<std::string, T>> {
+    static std::map<std::string, T> decode(const JsonNode& node) {
+        std::map<std::string, T> items;
+        node.forEachMember([&](std::string_view key, const JsonNode& value) {
+            items.insert_or_assign(std::string(key), JsonCoder<T>::decode(value));
+        });
+        return items;
+    }
+    static void encode(JsonWriter& writer, const std::map<std::string, T>& items) {
+        writer.startObject();
+        for (const auto& [key, value] : items) {
+            writer.key(key);
+            JsonCoder<T>::encode(writer, value);
+        }
+        writer.endObject();
     }
 };
 

@@ -108,6 +108,15 @@ std::optional<JsonNode> JsonNode::member(std::string_view key) const {
     return std::nullopt;
 }
 
+void JsonNode::forEachMember(const std::function<void(std::string_view, const JsonNode&)>& visit) const {
+    const auto& v = value(m_value);
+    if (!v.IsObject()) failType("an object");
+    for (auto it = v.MemberBegin(); it != v.MemberEnd(); ++it) {
+        const std::string_view key(it->name.GetString(), it->name.GetStringLength());
+        visit(key, JsonNode(&it->value, JsonPath{&m_path, key, JsonPath::noIndex}));
+    }
+}
+
 struct JsonDocument::Impl {
     rapidjson::Document document;
 };

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,6 +35,8 @@ public:
     // The member with that key, JSON null included; absent when the key is missing.
     // The key must outlive the returned node (it is kept for error messages).
     std::optional<JsonNode> member(std::string_view key) const;
+    // Each member of an object, in document order, with its key (valid while the document is).
+    void forEachMember(const std::function<void(std::string_view key, const JsonNode& value)>& visit) const;
 
     [[noreturn]] void failType(std::string_view expected) const;
     [[noreturn]] void failValue(std::string_view detail) const;
