@@ -2,9 +2,6 @@
 #include <string>
 #include <vector>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QThread>
 #include <gtest/gtest.h>
 
 #include "MibrelCore/Storage/TeskProjectArchive.h"
@@ -14,6 +11,7 @@
 #include "MibrelMac/State/MibrelScriptedPanels.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelWorkspaceState.h"
+#include "tests/support/EventLoopWait.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel {
@@ -113,12 +111,7 @@ protected:
     }
 
     void waitForRun() {
-        QDeadlineTimer deadline(60'000);
-        while (run.isRunning() && !deadline.hasExpired()) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-            QThread::msleep(2);
-        }
-        ASSERT_FALSE(run.isRunning());
+        ASSERT_TRUE(testing::processEventsUntil([this] { return !run.isRunning(); }));
     }
 
     Uuid codeID(std::size_t index) const { return workspace.workspace().codes[index].id; }
@@ -251,11 +244,7 @@ TEST_F(AssistRunTest, AGoneSegmentKeepsItsRowAndTheCodebookMustNotBeEmpty) {
 TEST_F(AssistRunTest, OpeningTheToolAsksWhetherTheModelIsThere) {
     EXPECT_EQ(run.suggestCommandHint(), std::nullopt);
     run.refreshIntelligenceStatus();
-    QDeadlineTimer deadline(30'000);
-    while (!run.intelligenceStatus().available && !deadline.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
+    testing::processEventsUntil([this] { return run.intelligenceStatus().available; });
     EXPECT_EQ(run.intelligenceStatus().model, "Local model");
     EXPECT_EQ(run.inspectorStatus(),
               std::make_pair(std::string("Apple Intelligence ready"),

@@ -2,10 +2,7 @@
 #include <string>
 #include <vector>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QSettings>
-#include <QThread>
 #include <gtest/gtest.h>
 
 #include "MibrelCore/Storage/TeskProjectArchive.h"
@@ -15,6 +12,7 @@
 #include "MibrelMac/State/MibrelScriptedPanels.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelTranscriptionRun.h"
+#include "tests/support/EventLoopWait.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel {
@@ -95,12 +93,9 @@ protected:
 
     // Runs the event loop until the copies and runs have reported back.
     void waitForIdle() {
-        QDeadlineTimer deadline(120'000);
-        while ((state.mediaImportsInFlight() > 0 || !state.transcribing().empty()) && !deadline.hasExpired()) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-            QThread::msleep(2);
-        }
-        ASSERT_FALSE(deadline.hasExpired()) << "background work never reported back";
+        ASSERT_TRUE(testing::processEventsUntil(
+            [this] { return state.mediaImportsInFlight() == 0 && state.transcribing().empty(); }))
+            << "background work never reported back";
     }
 
     // Imports a fixture under another name and waits for its copy and transcription.
@@ -281,11 +276,7 @@ TEST_F(TranscriptionTest, OldProjectsGetStatusesForTheirTranscribedRecordings) {
     state.updateSource(old);
     EXPECT_EQ(state.transcriptionSummary(source(id))->detail, "1 segment available.");
     state.refreshLoadedMediaTranscriptionStatuses(project);
-    QDeadlineTimer deadline(60'000);
-    while (!source(id).transcriptionStatus && !deadline.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
+    testing::processEventsUntil([&] { return source(id).transcriptionStatus.has_value(); });
     ASSERT_TRUE(source(id).transcriptionStatus);
     EXPECT_EQ(source(id).transcriptionStatus->kind, Kind::complete);
     EXPECT_NEAR(*source(id).transcriptionStatus->mediaDuration, 3.73, 0.1);
