@@ -1,9 +1,9 @@
 #include "MerivanteCore/Dataset/ImportReadinessBuilder.h"
 
 #include <algorithm>
-#include <set>
+#include <thread>
 
-#include "MerivanteCore/Dataset/DatasetNumbers.h"
+#include "MerivanteCore/Dataset/ColumnProfile.h"
 #include "MerivanteCore/Dataset/MissingValue.h"
 #include "Platform/Text/Text.h"
 
@@ -27,31 +27,16 @@ std::int64_t missingCells(const std::vector<std::string>& row) {
         std::count_if(row.begin(), row.end(), [](const std::string& cell) { return MissingValue::isMissing(cell); })));
 }
 
-ImportColumnSummary columnSummary(const Rows& rows, std::size_t index, const std::string& header) {
+ImportColumnSummary columnSummary(const ColumnProfile& profile, std::size_t index, const std::string& header) {
     ImportColumnSummary summary{count(index + 1), header};
-    std::set<std::string> distinct;
-    double sum = 0;
-    for (const auto& row : rows) {
-        const std::string value = index < row.size() ? row[index] : std::string();
-        if (const auto marker = MissingValue::displayMarker(value)) {
-            ++summary.observedMissingMarkers[*marker];
-            ++summary.missingCount;
-            continue;
-        }
-        ++summary.nonMissingCount;
-        if (summary.sampleValues.size() < 4) summary.sampleValues.push_back(value);
-        distinct.insert(platform::text::lowercased(platform::text::trimmed(value)));
-        if (const auto number = parseNumber(value)) {
-            if (!summary.numericSummary) summary.numericSummary = NumericSummary{*number, *number, 0};
-            summary.numericSummary->minimum = std::min(summary.numericSummary->minimum, *number);
-            summary.numericSummary->maximum = std::max(summary.numericSummary->maximum, *number);
-            sum += *number;
-            ++summary.numericCount;
-        }
-    }
-    if (summary.numericSummary) summary.numericSummary->mean = sum / static_cast<double>(summary.numericCount);
-    summary.uniqueNonMissingCount = count(distinct.size());
+    summary.missingCount = profile.missingCount;
+    summary.nonMissingCount = profile.nonMissingCount();
+    summary.uniqueNonMissingCount = profile.uniqueCount;
+    summary.numericCount = profile.numericCount;
     summary.textCount = summary.nonMissingCount - summary.numericCount;
+    summary.observedMissingMarkers = profile.observedMissingMarkers;
+    summary.sampleValues = profile.sampleValues;
+    summary.numericSummary = profile.numericSummary;
     return summary;
 }
 
@@ -114,24 +99,67 @@ NormalizedHeaders normalizedHeaders(const std::vector<std::string>& headers) {
     return result;
 }
 
-NormalizedRows normalizeRows(std::size_t columnCount, const std::vector<ImportSourceRow>& rows) {
+NormalizedRows normalizeRows(std::size_t columnCount, std::vector<ImportSourceRow> rows) {
     NormalizedRows result;
-    for (const ImportSourceRow& row : rows) {
-        if (missingCells(row.values) == count(row.values.size())) continue;
-        std::vector<std::string> cells(row.values.begin(), row.values.begin() + static_cast<std::ptrdiff_t>(
-                                                                                   std::min(columnCount, row.values.size())));
-        cells.resize(columnCount);
-        result.rows.push_back(std::move(cells));
-        result.reports.push_back(
-            ImportRowNormalizationReport::make(row.sourceRowNumber, count(row.values.size()), count(columnCount)));
+    for (ImportSourceRow& row : rows) {
+        if (std::all_of(row.values.begin(), row.values.end(), MissingValue::isMissing)) continue;
+        const auto originalCount = count(row.values.size());
+        row.values.resize(columnCount);
+        result.rows.push_back(std::move(row.values));
+        result.reports.push_back(ImportRowNormalizationReport::make(row.sourceRowNumber, originalCount, count(columnCount)));
     }
     return result;
+}
+
+std::vector<ImportRowNormalizationReport> positionalReports(const Rows& rows, std::size_t columnCount) {
+    std::vector<ImportRowNormalizationReport> reports;
+    reports.reserve(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        reports.push_back(ImportRowNormalizationReport::make(count(i + 2), count(rows[i].size()), count(columnCount)));
+    }
+    return reports;
+}
+
+// Row by row, so each row's cells are read while in cache. On large tables the columns are
+// shared between two threads, each with builders of its own so that neither writes to
+// memory the other is reading.
+std::vector<ColumnProfile> columnProfiles(std::size_t columnCount, const Rows& rows) {
+    const auto profileColumns = [&rows, columnCount](std::size_t first, std::size_t step) {
+        std::vector<ColumnProfileBuilder> builders((columnCount - first + step - 1) / step);
+        for (const auto& row : rows) {
+            for (std::size_t column = first, i = 0; column < columnCount; column += step, ++i) {
+                builders[i].add(column < row.size() ? std::string_view(row[column]) : std::string_view());
+            }
+        }
+        std::vector<ColumnProfile> profiles;
+        for (ColumnProfileBuilder& builder : builders) profiles.push_back(builder.finish());
+        return profiles;
+    };
+    if (columnCount < 2 || rows.size() * columnCount < 100'000) return profileColumns(0, 1);
+    std::vector<ColumnProfile> odd;
+    std::thread helper([&] { odd = profileColumns(1, 2); });
+    std::vector<ColumnProfile> even = profileColumns(0, 2);
+    helper.join();
+    std::vector<ColumnProfile> profiles;
+    profiles.reserve(columnCount);
+    for (std::size_t column = 0; column < columnCount; ++column) {
+        profiles.push_back(std::move(column % 2 == 0 ? even[column / 2] : odd[column / 2]));
+    }
+    return profiles;
 }
 
 ImportReadinessMetadata metadata(ImportSourceKind sourceKind, const std::optional<std::string>& worksheetName,
                                  const std::vector<std::string>& headers, const Rows& rows,
                                  const std::vector<ImportRowNormalizationReport>& rowReports,
                                  std::vector<ImportReadinessIssue> issues) {
+    return metadata(sourceKind, worksheetName, headers, rows, rowReports, std::move(issues),
+                    columnProfiles(headers.size(), rows));
+}
+
+ImportReadinessMetadata metadata(ImportSourceKind sourceKind, const std::optional<std::string>& worksheetName,
+                                 const std::vector<std::string>& headers, const Rows& rows,
+                                 const std::vector<ImportRowNormalizationReport>& rowReports,
+                                 std::vector<ImportReadinessIssue> issues, const std::vector<ColumnProfile>& profiles) {
     ImportReadinessMetadata result;
     result.sourceKind = sourceKind;
     result.worksheetName = worksheetName;
@@ -141,7 +169,7 @@ ImportReadinessMetadata metadata(ImportSourceKind sourceKind, const std::optiona
         result.rowSummaries.push_back(rowSummary(rows[i], i, rowReports, result.columnCount));
     }
     for (std::size_t i = 0; i < headers.size(); ++i) {
-        result.columnSummaries.push_back(columnSummary(rows, i, headers[i]));
+        result.columnSummaries.push_back(columnSummary(profiles[i], i, headers[i]));
         result.missingCellCount += result.columnSummaries.back().missingCount;
         for (const auto& [marker, seen] : result.columnSummaries.back().observedMissingMarkers) {
             result.observedMissingMarkers[marker] += seen;

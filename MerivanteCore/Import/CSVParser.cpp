@@ -2,111 +2,161 @@
 
 #include <algorithm>
 #include <array>
+#include <initializer_list>
 
 #include "MerivanteCore/Dataset/ImportReadinessBuilder.h"
 #include "Platform/Text/Text.h"
 
+// The parser works on bytes: every character it acts on (quote, delimiter, line end) is
+// ASCII, and an ASCII byte counts as that character only when it is a character on its own
+// (a comma carrying a combining accent is text). CR LF and lone CR read as LF throughout,
+// inside quotes as well.
 namespace merivante {
 namespace {
 
-// Every line end becomes "\n" first, inside quoted fields too.
-std::string normalizedLineEnds(std::string_view content) {
-    std::string text;
-    text.reserve(content.size());
-    for (std::size_t i = 0; i < content.size(); ++i) {
-        if (content[i] != '\r') {
-            text += content[i];
-        } else {
-            text += '\n';
-            if (i + 1 < content.size() && content[i + 1] == '\n') ++i;
-        }
-    }
-    return text;
+using Records = std::vector<std::vector<std::string>>;
+using ByteSet = std::array<bool, 256>;
+
+ByteSet byteSet(std::initializer_list<char> bytes) {
+    ByteSet set{};
+    for (const char byte : bytes) set[static_cast<unsigned char>(byte)] = true;
+    return set;
 }
 
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+// The first byte at or after `at` in the set, or the text's size.
+std::size_t findFirst(std::string_view text, std::size_t at, const ByteSet& set) {
+    while (at < text.size() && !set[static_cast<unsigned char>(text[at])]) ++at;
+    return at;
 }
 
-// Calls `visit` with each user-perceived character; plain ASCII (no CR left) is one byte each.
-template <class Visit>
-void forEachCharacter(std::string_view text, Visit&& visit) {
-    if (isAscii(text)) {
-        for (std::size_t i = 0; i < text.size(); ++i) visit(text.substr(i, 1));
-    } else {
-        platform::text::forEachCharacter(text, visit);
-    }
-}
-
-// The record walk, one character at a time. A quote inside quotes waits for the next
-// character to tell an escaped quote from the closing one.
 class RecordWalker {
 public:
-    explicit RecordWalker(char delimiter) : m_delimiter(delimiter) {}
+    RecordWalker(std::string_view text, char delimiter)
+        : m_text(text), m_delimiter(delimiter), m_plainStops(byteSet({delimiter, '\n', '\r'})),
+          m_quotedStops(byteSet({'"', '\r'})) {}
 
-    void step(std::string_view character) {
-        if (m_pendingQuote) {
-            m_pendingQuote = false;
-            if (character == "\"") {
-                m_field += '"';
-                return;
+    Records walk() {
+        while (m_at < m_text.size()) {
+            if (m_field.empty() && isAlone('"')) {
+                ++m_at;
+                if (!walkQuoted()) throw CSVParserError::unterminatedQuote;
+            } else {
+                walkPlain();
             }
-            m_inQuotes = false; // the quote closed the field's quoted part
         }
-        if (m_inQuotes) {
-            if (character == "\"") m_pendingQuote = true;
-            else m_field += character;
-            return;
-        }
-        if (character == "\"" && m_field.empty()) m_inQuotes = true;
-        else if (character.size() == 1 && character[0] == m_delimiter) endField();
-        else if (character == "\n") endRecord();
-        else m_field += character;
-    }
-
-    std::vector<std::vector<std::string>> finish() {
-        if (m_pendingQuote) m_inQuotes = false;
-        if (m_inQuotes) throw CSVParserError::unterminatedQuote;
         if (!m_field.empty() || !m_row.empty()) endRecord();
         return std::move(m_records);
     }
 
 private:
+    bool isAlone(char character) const { return m_text[m_at] == character && standsAlone(m_at); }
+
+    // Only a non-ASCII neighbour can join an ASCII character into a larger one.
+    bool standsAlone(std::size_t at) const {
+        const bool plainBefore = at == 0 || static_cast<unsigned char>(m_text[at - 1]) < 0x80;
+        const bool plainAfter = at + 1 >= m_text.size() || static_cast<unsigned char>(m_text[at + 1]) < 0x80;
+        return (plainBefore && plainAfter) || platform::text::isStandaloneAsciiCharacter(m_text, at);
+    }
+
+    // Inside quotes up to the closing quote; false when the text ends first. What follows
+    // the closing quote is read as plain text of the same field ("ab"cd gives abcd).
+    bool walkQuoted() {
+        while (m_at < m_text.size()) {
+            const std::size_t stop = findFirst(m_text, m_at, m_quotedStops);
+            if (stop == m_text.size()) break;
+            m_field.append(m_text, m_at, stop - m_at);
+            m_at = stop;
+            if (m_text[m_at] == '\r') {
+                appendLineEnd();
+            } else if (!isAlone('"')) {
+                m_field += m_text[m_at++];
+            } else if (m_at + 1 < m_text.size() && m_text[m_at + 1] == '"' && standsAlone(m_at + 1)) {
+                m_field += '"';
+                m_at += 2;
+            } else {
+                ++m_at;
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // Plain text up to the end of the field; a quote here is an ordinary character.
+    void walkPlain() {
+        while (m_at < m_text.size()) {
+            const std::size_t stop = findFirst(m_text, m_at, m_plainStops);
+            if (stop == m_text.size()) {
+                m_field.append(m_text, m_at);
+                m_at = m_text.size();
+                return;
+            }
+            m_field.append(m_text, m_at, stop - m_at);
+            m_at = stop;
+            if (m_text[m_at] == '\n' || m_text[m_at] == '\r') {
+                skipLineEnd();
+                endRecord();
+                return;
+            }
+            if (isAlone(m_delimiter)) {
+                ++m_at;
+                endField();
+                return;
+            }
+            m_field += m_text[m_at++];
+        }
+    }
+
+    void skipLineEnd() { m_at += (m_text[m_at] == '\r' && m_at + 1 < m_text.size() && m_text[m_at + 1] == '\n') ? 2 : 1; }
+
+    void appendLineEnd() {
+        skipLineEnd();
+        m_field += '\n';
+    }
+
     void endField() {
-        m_row.push_back(std::move(m_field));
+        m_row.emplace_back(std::move(m_field));
         m_field.clear();
     }
 
     // A record of one blank field is a blank line, and is dropped; ",,," is kept.
     void endRecord() {
         endField();
-        if (!(m_row.size() == 1 && platform::text::trimmed(m_row[0]).empty())) m_records.push_back(std::move(m_row));
+        const std::size_t width = m_row.size();
+        if (!(width == 1 && platform::text::isBlank(m_row[0]))) m_records.push_back(std::move(m_row));
         m_row.clear();
+        m_row.reserve(width); // the next record is most likely as wide
     }
 
+    std::string_view m_text;
     char m_delimiter;
-    bool m_inQuotes = false;
-    bool m_pendingQuote = false;
+    ByteSet m_plainStops;
+    ByteSet m_quotedStops;
+    std::size_t m_at = 0;
     std::string m_field;
     std::vector<std::string> m_row;
-    std::vector<std::vector<std::string>> m_records;
+    Records m_records;
 };
 
-bool isLineBreak(std::string_view character) {
-    return character == "\n" || character == "\v" || character == "\f" || character == "\r" ||
-           character == "\xC2\x85" || character == "\xE2\x80\xA8" || character == "\xE2\x80\xA9";
-}
-
-// Enough of the text for the first eight non-blank lines: the delimiter is judged on those.
-std::string_view leadingLines(std::string_view text, int wanted) {
-    int lines = 0;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        lines += end > at;
-        if (lines > wanted) return text.substr(0, end);
-        at = end + 1;
+// The first `wanted` non-blank lines; any Unicode line break separates them.
+std::vector<std::string_view> leadingLines(std::string_view text, std::size_t wanted) {
+    std::vector<std::string_view> lines;
+    std::size_t start = 0;
+    const auto endLine = [&](std::size_t end, std::size_t next) {
+        if (end > start) lines.push_back(text.substr(start, end - start));
+        start = next;
+    };
+    for (std::size_t at = 0; at < text.size() && lines.size() < wanted; ++at) {
+        const auto byte = static_cast<unsigned char>(text[at]);
+        if (byte >= '\n' && byte <= '\r') {
+            endLine(at, at + 1);
+        } else if (byte == 0xC2 && text.substr(at, 2) == "\xC2\x85") {
+            endLine(at, at + 2);
+        } else if (byte == 0xE2 && (text.substr(at, 3) == "\xE2\x80\xA8" || text.substr(at, 3) == "\xE2\x80\xA9")) {
+            endLine(at, at + 3);
+        }
     }
-    return text;
+    if (lines.size() < wanted && start < text.size()) endLine(text.size(), text.size());
+    return lines;
 }
 
 std::string cleanHeader(std::string header) {
@@ -119,24 +169,23 @@ std::string cleanHeader(std::string header) {
 char CSVParser::detectDelimiter(std::string_view content) {
     constexpr std::array<char, 3> candidates{',', '\t', ';'};
     std::array<std::size_t, 3> counts{};
-    std::vector<std::string> lines(1);
-    forEachCharacter(content, [&](std::string_view character) {
-        if (isLineBreak(character)) {
-            if (!lines.back().empty()) lines.emplace_back();
-        } else {
-            lines.back() += character;
-        }
-    });
-    if (lines.back().empty()) lines.pop_back();
-    if (lines.size() > 8) lines.resize(8);
-    for (const std::string& line : lines) {
+    for (const std::string_view line : leadingLines(content, 8)) {
         bool inQuotes = false;
         for (std::size_t i = 0; i < line.size(); ++i) {
-            if (line[i] == '"') {
-                if (inQuotes && i + 1 < line.size() && line[i + 1] == '"') ++i;
-                else inQuotes = !inQuotes;
+            const char byte = line[i];
+            if ((byte != '"' && byte != ',' && byte != ';' && byte != '\t') ||
+                !platform::text::isStandaloneAsciiCharacter(line, i)) {
+                continue;
+            }
+            if (byte == '"') {
+                if (inQuotes && i + 1 < line.size() && line[i + 1] == '"' &&
+                    platform::text::isStandaloneAsciiCharacter(line, i + 1)) {
+                    ++i;
+                } else {
+                    inQuotes = !inQuotes;
+                }
             } else if (!inQuotes) {
-                for (std::size_t c = 0; c < candidates.size(); ++c) counts[c] += line[i] == candidates[c];
+                for (std::size_t c = 0; c < candidates.size(); ++c) counts[c] += byte == candidates[c];
             }
         }
     }
@@ -146,19 +195,18 @@ char CSVParser::detectDelimiter(std::string_view content) {
 }
 
 CSVParseResult CSVParser::parse(std::string_view content) const {
-    const std::string text = normalizedLineEnds(content);
-    RecordWalker walker(detectDelimiter(leadingLines(text, 8)));
-    forEachCharacter(text, [&walker](std::string_view character) { walker.step(character); });
-    std::vector<std::vector<std::string>> records = walker.finish();
+    Records records = RecordWalker(content, detectDelimiter(content)).walk();
     if (records.empty() || records.front().empty()) throw CSVParserError::emptyFile;
 
     CSVParseResult result;
     for (std::string& header : records.front()) result.headers.push_back(cleanHeader(std::move(header)));
     std::vector<ImportSourceRow> rows;
+    rows.reserve(records.size() - 1);
     for (std::size_t i = 1; i < records.size(); ++i) {
         rows.push_back({static_cast<std::int64_t>(i + 1), std::move(records[i])});
     }
-    auto normalized = ImportReadinessBuilder::normalizeRows(result.headers.size(), rows);
+    records = {};
+    auto normalized = ImportReadinessBuilder::normalizeRows(result.headers.size(), std::move(rows));
     result.rows = std::move(normalized.rows);
     result.rowReports = std::move(normalized.reports);
     return result;

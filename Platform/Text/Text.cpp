@@ -411,4 +411,25 @@ std::vector<std::string> alphanumericRuns(std::string_view text) {
     return runs;
 }
 
+bool isStandaloneAsciiCharacter(std::string_view text, std::size_t at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if (byte < 0x20 || byte == 0x7F) return true; // controls never join a neighbour
+    if (at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) >= 0x80) {
+        std::size_t next = at + 1;
+        const UChar32 following = nextCodePoint(text, next);
+        const auto kind = following < 0 ? U_GCB_OTHER : u_getIntPropertyValue(following, UCHAR_GRAPHEME_CLUSTER_BREAK);
+        if (kind == U_GCB_EXTEND || kind == U_GCB_ZWJ || kind == U_GCB_SPACING_MARK) return false;
+    }
+    if (at > 0 && static_cast<unsigned char>(text[at - 1]) >= 0x80) {
+        int32_t before = static_cast<int32_t>(std::min(at, static_cast<std::size_t>(INT32_MAX)));
+        const char* start = text.data() + (at - static_cast<std::size_t>(before));
+        UChar32 preceding = 0;
+        U8_PREV(start, 0, before, preceding);
+        if (preceding >= 0 && u_getIntPropertyValue(preceding, UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_PREPEND) {
+            return false;
+        }
+    }
+    return true;
+}
+
 } // namespace platform::text

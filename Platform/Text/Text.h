@@ -24,6 +24,11 @@ std::string trimmedOfBlanks(std::string_view text);
 // Calls `visit` with each user-perceived character in order ("\r\n" is one).
 void forEachCharacter(std::string_view text, const std::function<void(std::string_view)>& visit);
 
+// True when the ASCII byte at `at` is a user-perceived character on its own: no prepended
+// mark before it and no combining mark (or joiner) after it. Lets byte-level scanners
+// agree with character-level rules without walking the characters.
+bool isStandaloneAsciiCharacter(std::string_view text, std::size_t at);
+
 // True when nothing is left after trimming.
 bool isBlank(std::string_view text);
 

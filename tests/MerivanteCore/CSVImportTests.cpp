@@ -1,11 +1,19 @@
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "MerivanteCore/Dataset/ImportReadinessBuilder.h"
+#include "MerivanteCore/Import/CSVImporter.h"
 #include "MerivanteCore/Import/CSVParser.h"
 
 namespace merivante {
 namespace {
 
+namespace fs = std::filesystem;
 using Rows = std::vector<std::vector<std::string>>;
 using Strings = std::vector<std::string>;
 
@@ -96,6 +104,70 @@ TEST(ImportReadinessTest, MetadataCountsWhatIsMissingAndReportsEveryRepair) {
     EXPECT_EQ(metadata.issues[1].expectedColumnCount, 3);
     EXPECT_EQ(metadata.issues[1].actualColumnCount, 2);
     EXPECT_EQ(metadata.missingValueMarkers.size(), 17u);
+}
+
+TEST(CSVParserTest, AnAccentedDelimiterOrQuoteIsText) {
+    // A comma or quote carrying a combining accent is one character, and not the delimiter.
+    EXPECT_EQ(parse("a,b\nx,\u0301y,z\n").rows, (Rows{{"x,\u0301y", "z"}}));
+    EXPECT_EQ(parse("a\n\"\u0301q\n").rows, (Rows{{"\"\u0301q"}}));
+    EXPECT_EQ(CSVParser::detectDelimiter("a;b;c\nx,\u0301,\u0301,\u0301y;z\n"), ';');
+}
+
+fs::path writeFile(const std::string& name, std::string_view bytes) {
+    const fs::path path = fs::temp_directory_path() / ("merivante-csv-test-" + std::to_string(::getpid())) / name;
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+}
+
+CSVImportError importFailure(const std::function<void()>& import) {
+    try {
+        import();
+    } catch (const CSVImportError& error) {
+        return error;
+    }
+    ADD_FAILURE() << "imported";
+    return CSVImportError::unreadableTextEncoding();
+}
+
+TEST(CSVImporterTest, ImportsAFileUnderItsNameWithEveryColumnClassified) {
+    const auto dataset = CSVImporter().importCSV(writeFile("Wave 2.CSV", "id,Q1,Q1\n1,4,2\n2,5,\n"));
+    EXPECT_EQ(dataset.name, "Wave 2.CSV");
+    EXPECT_EQ(dataset.headers, (Strings{"id", "Q1", "Q1 2"}));
+    ASSERT_EQ(dataset.variables.size(), 3u);
+    EXPECT_EQ(dataset.variables[0].assignedType, VariableKind::administrative);
+    EXPECT_EQ(dataset.variables[2].name, "Q1 2");
+    EXPECT_EQ(dataset.importMetadata.sourceKind, ImportSourceKind::csv);
+    EXPECT_EQ(dataset.importMetadata.worksheetName, std::nullopt);
+    ASSERT_EQ(dataset.importMetadata.issues.size(), 1u);
+    EXPECT_EQ(dataset.importMetadata.issues[0].kind, ImportReadinessIssueKind::duplicateHeader);
+    EXPECT_EQ(CSVImporter().importCSV(writeFile("export", "a\n1\n")).rowCount(), 1);
+}
+
+TEST(CSVImporterTest, RefusesOtherFilesAndTablesWithoutData) {
+    const auto wrongType = importFailure([] { CSVImporter().importCSV(writeFile("survey.XLSX", "a\n1\n")); });
+    EXPECT_EQ(wrongType.kind(), CSVImportError::Kind::unsupportedFileType);
+    EXPECT_STREQ(wrongType.what(), "Merivante Studio currently imports CSV or plain text files, not .xlsx files.");
+    const auto headersOnly = importFailure([] { CSVImporter().importCSV("h.csv", "a,b,c\n"); });
+    EXPECT_EQ(headersOnly.columnCount(), 3);
+    EXPECT_STREQ(headersOnly.what(), "The file has 3 column headers but no data rows. Export the worksheet as a normal "
+                                     "CSV with one header row followed by respondent rows.");
+    EXPECT_EQ(importFailure([] { CSVImporter().importCSV("h.csv", "a,b\nNA,\n , n/a\n"); }).columnCount(), 2);
+    EXPECT_THROW(CSVImporter().importCSV("empty.csv", ""), CSVParserError);
+}
+
+TEST(CSVImporterTest, TextIsDecodedInTheFixedOrderOfEncodings) {
+    const std::string utf16le("\xFF\xFEh\0i\0\n\0\xE9\0,\0", 12);
+    EXPECT_EQ(CSVImporter::decodeText(utf16le), "hi\n\u00E9,");
+    EXPECT_EQ(CSVImporter::decodeText(std::string("\xFE\xFF\0h\0i", 6)), "hi");
+    // Without a mark, little-endian comes first (plain ASCII in UTF-16 would already pass as UTF-8).
+    EXPECT_EQ(CSVImporter::decodeText(std::string("\xE9\0,\0b\0\n\0", 8)), "\u00E9,b\n");
+    // Odd-length Latin 1 is no UTF-16; the byte 0x80 is a control there, not the euro sign.
+    EXPECT_EQ(CSVImporter::decodeText("caf\xE9\x80"), "caf\u00E9\u0080");
+    EXPECT_EQ(CSVImporter::decodeText("\xEF\xBB\xBFid"), "\xEF\xBB\xBFid");
+    // Even-length Latin 1 would read as UTF-16 too, but yields no line end there.
+    const auto dataset = CSVImporter().importCSV(writeFile("latin.csv", "name\nJos\xE9\n"));
+    EXPECT_EQ(dataset.rows, (Rows{{"Jos\u00E9"}}));
 }
 
 } // namespace

@@ -60,6 +60,8 @@ void addAnalyzeCommands(CLI::App& app, CliContext& context);
 // wait for it make sure there is one.
 void ensureEventLoop();
 
+// `dataset import|classify-scale|archive|package`.
+void addDatasetCommands(CLI::App& app, CliContext& context);
 // `suggest`.
 void addSuggestCommand(CLI::App& app, CliContext& context);
 // `import media`, `transcribe`, `helper call` and `media duration`.

@@ -60,6 +60,7 @@ int runMibrelCli(int argc, const char* const* argv, std::ostream& out, std::ostr
     addAnalyzeCommands(app, context);
     addDevCommands(app, context);
     addSuggestCommand(app, context);
+    addDatasetCommands(app, context);
 
     try {
         app.parse(argc, argv);

@@ -1,0 +1,101 @@
+#include "MerivanteCore/Dataset/ColumnProfile.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "MerivanteCore/Dataset/DatasetNumbers.h"
+#include "MerivanteCore/Dataset/MissingValue.h"
+#include "Platform/Text/Text.h"
+
+namespace merivante {
+namespace {
+
+bool isAsciiSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+// Most answers are plain ASCII with nothing to trim; those need no copy.
+bool isPlainAscii(std::string_view text) {
+    unsigned char bits = 0;
+    for (const char c : text) bits |= static_cast<unsigned char>(c);
+    return bits < 0x80 && !text.empty() && !isAsciiSpace(text.front()) && !isAsciiSpace(text.back());
+}
+
+bool hasAsciiUpper(std::string_view text) {
+    return std::any_of(text.begin(), text.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+}
+
+// Only a sign, a digit, a point or the start of "inf"/"nan" can begin a number.
+bool mayBeNumber(std::string_view trimmed) {
+    if (trimmed.empty()) return false;
+    const char c = trimmed.front();
+    return (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.' || c == 'i' || c == 'I' || c == 'n' ||
+           c == 'N';
+}
+
+} // namespace
+
+double ColumnProfile::numericRatio() const {
+    const std::int64_t answers = nonMissingCount();
+    return answers == 0 ? 0.0 : static_cast<double>(numericCount) / static_cast<double>(answers);
+}
+
+ColumnProfile ColumnProfile::of(const std::vector<std::string>& values) {
+    ColumnProfileBuilder builder;
+    for (const std::string& value : values) builder.add(value);
+    return builder.finish();
+}
+
+void ColumnProfileBuilder::add(std::string_view value) {
+    ++m_profile.valueCount;
+    if (MissingValue::isMissing(value)) {
+        ++m_profile.missingCount;
+        ++m_profile.observedMissingMarkers[*MissingValue::displayMarker(value)];
+        return;
+    }
+    if (m_profile.sampleValues.size() < 4) m_profile.sampleValues.emplace_back(value);
+    if (isPlainAscii(value)) {
+        countAnswer(value, static_cast<std::int64_t>(value.size()));
+    } else {
+        const std::string trimmed = platform::text::trimmed(value);
+        countAnswer(trimmed, static_cast<std::int64_t>(platform::text::characterCount(value)));
+    }
+}
+
+void ColumnProfileBuilder::countAnswer(std::string_view trimmed, std::int64_t characters) {
+    m_profile.answerCharacters += characters;
+    m_profile.longestAnswerCharacters = std::max(m_profile.longestAnswerCharacters, characters);
+    addDistinct(trimmed);
+    if (!mayBeNumber(trimmed)) return;
+    const auto number = parseNumber(trimmed);
+    if (!number) return;
+    auto& summary = m_profile.numericSummary;
+    if (!summary) summary = NumericSummary{*number, *number, 0};
+    summary->minimum = std::min(summary->minimum, *number);
+    summary->maximum = std::max(summary->maximum, *number);
+    m_sum += *number;
+    ++m_profile.numericCount;
+    m_profile.numbersAreWhole = m_profile.numbersAreWhole && *number == std::round(*number);
+}
+
+void ColumnProfileBuilder::addDistinct(std::string_view trimmed) {
+    if (!hasAsciiUpper(trimmed)) {
+        if (isPlainAscii(trimmed)) {
+            m_distinct.insert(trimmed);
+            return;
+        }
+    } else if (isPlainAscii(trimmed)) {
+        m_lowered.assign(trimmed);
+        for (char& c : m_lowered) c = (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+        m_distinct.insert(m_lowered);
+        return;
+    }
+    m_distinct.insert(platform::text::lowercased(trimmed));
+}
+
+ColumnProfile ColumnProfileBuilder::finish() {
+    if (m_profile.numericSummary) m_profile.numericSummary->mean = m_sum / static_cast<double>(m_profile.numericCount);
+    m_profile.uniqueCount = static_cast<std::int64_t>(m_distinct.size());
+    m_distinct = {};
+    return std::move(m_profile);
+}
+
+} // namespace merivante

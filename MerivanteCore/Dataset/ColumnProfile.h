@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "MerivanteCore/Dataset/DistinctTextSet.h"
+#include "MerivanteCore/Dataset/ImportReadiness.h"
+
+namespace merivante {
+
+// What one pass over a column finds: missingness, distinct answers, numbers and lengths.
+// The readiness summary and the variable classifier read the same figures from it.
+struct ColumnProfile {
+    std::int64_t valueCount = 0;
+    std::int64_t missingCount = 0;
+    std::map<std::string, std::int64_t> observedMissingMarkers; // "(blank)" for empty cells
+    std::vector<std::string> sampleValues;                      // the first four answers, verbatim
+    std::int64_t uniqueCount = 0;                               // answers trimmed and lower-cased
+    std::int64_t numericCount = 0;
+    std::optional<NumericSummary> numericSummary;
+    bool numbersAreWhole = true;
+    std::int64_t answerCharacters = 0; // user-perceived characters over all answers, untrimmed
+    std::int64_t longestAnswerCharacters = 0;
+
+    std::int64_t nonMissingCount() const { return valueCount - missingCount; }
+    // Parsed numbers per answer; 0 when there is no answer.
+    double numericRatio() const;
+
+    static ColumnProfile of(const std::vector<std::string>& values);
+};
+
+// Feeds a column one cell at a time, so callers need not copy a column out of the rows.
+class ColumnProfileBuilder {
+public:
+    void add(std::string_view value);
+    ColumnProfile finish();
+
+private:
+    void countAnswer(std::string_view trimmed, std::int64_t characters);
+    void addDistinct(std::string_view trimmed);
+
+    ColumnProfile m_profile;
+    DistinctTextSet m_distinct; // answers trimmed and lower-cased
+    std::string m_lowered;      // reused for every answer that needs lower-casing
+    double m_sum = 0;
+};
+
+} // namespace merivante

@@ -1,0 +1,80 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "MerivanteCore/Dataset/ImportedDataset.h"
+#include "MerivanteCore/Dataset/MerivanteProjectManifest.h"
+#include "MerivanteCore/Dataset/ProjectArchive.h"
+#include "MerivanteCore/Import/ScaleItemClassifier.h"
+#include "tests/cli/CliTestSupport.h"
+#include "tests/support/TestSupport.h"
+
+namespace mibrel::cli {
+namespace {
+
+using mibrel::testing::folderListing;
+using mibrel::testing::readText;
+using mibrel::testing::TemporaryDirectory;
+using mibrel::testing::writeText;
+
+class MibrelCliDatasetTest : public ::testing::Test {
+protected:
+    std::string survey() {
+        const auto path = folder / "survey.csv";
+        writeText(path, "id,Q1,Q2,Q3\n1,4,5,4\n2,3,4,3\n3,5,5,4\n4,2,3,2\n");
+        return path.string();
+    }
+
+    TemporaryDirectory folder;
+};
+
+TEST_F(MibrelCliDatasetTest, ImportPrintsTheDatasetOrTheReasonItCannot) {
+    const CliResult imported = run({"dataset", "import", survey()});
+    ASSERT_EQ(imported.status, kExitSuccess) << imported.err;
+    const auto dataset = platform::json::decode<merivante::ImportedDataset>(imported.out);
+    EXPECT_EQ(dataset.name, "survey.csv");
+    EXPECT_EQ(dataset.rowCount(), 4);
+    EXPECT_EQ(dataset.variables[1].assignedType, merivante::VariableKind::psychometricItem);
+
+    writeText(folder / "survey.sav", "not yet");
+    const CliResult refused = run({"dataset", "import", (folder / "survey.sav").string()});
+    EXPECT_EQ(refused.status, kExitFailure);
+    EXPECT_EQ(refused.err, "Merivante Studio currently imports CSV or plain text files, not .sav files.\n");
+    writeText(folder / "open.csv", "a,b\n\"never closed\n");
+    EXPECT_EQ(run({"dataset", "import", (folder / "open.csv").string()}).status, kExitFailure);
+}
+
+TEST_F(MibrelCliDatasetTest, ClassifyScaleTakesQuestionTexts) {
+    writeText(folder / "questions.json", R"({"id": "Your email address"})");
+    const CliResult result =
+        run({"dataset", "classify-scale", survey(), "--questions", (folder / "questions.json").string()});
+    ASSERT_EQ(result.status, kExitSuccess) << result.err;
+    const auto verdicts = platform::json::decode<std::vector<merivante::ScaleItemClassification>>(result.out);
+    ASSERT_EQ(verdicts.size(), 4u);
+    EXPECT_EQ(verdicts[0].reasons.front(), "Name contains 'email' (ID / metadata)");
+    EXPECT_TRUE(verdicts[2].autoSelectAsScale);
+}
+
+TEST_F(MibrelCliDatasetTest, ArchiveAndPackageWriteTheirFiles) {
+    const std::string archive = (folder / "study.mvk").string();
+    const CliResult archived = run({"dataset", "archive", survey(), archive, "--reverse", "Q2,nobody", "--unreliable", "Q3"});
+    ASSERT_EQ(archived.status, kExitSuccess) << archived.err;
+    const auto decoded = merivante::ProjectArchive::decode(readText(archive));
+    ASSERT_EQ(decoded.variableStates.size(), 4u);
+    EXPECT_TRUE(decoded.variableStates[2].isReverseCoded);
+    EXPECT_FALSE(decoded.variableStates[1].isReverseCoded);
+    EXPECT_TRUE(decoded.variableStates[3].isUnreliableFlagged);
+
+    const auto package = folder / "nested" / "Study.merivante";
+    const CliResult packaged = run({"dataset", "package", package.string(), "--name", "Study", "--mode", "pointer"});
+    ASSERT_EQ(packaged.status, kExitSuccess) << packaged.err;
+    EXPECT_EQ(folderListing(package),
+              "analyses audit_log.json construct_map.json dataset method_files project.json reports variable_map.json");
+    EXPECT_EQ(platform::json::decode<merivante::MerivanteProjectManifest>(readText(package / "project.json")).datasetMode,
+              merivante::DatasetStorageMode::pointer);
+    EXPECT_EQ(run({"dataset", "package", package.string(), "--name", "S", "--mode", "link"}).status, kExitUsage);
+}
+
+} // namespace
+} // namespace mibrel::cli
