@@ -44,12 +44,12 @@ ColumnProfile ColumnProfile::of(const std::vector<std::string>& values) {
     return builder.finish();
 }
 
-void ColumnProfileBuilder::add(std::string_view value) {
+bool ColumnProfileBuilder::add(std::string_view value) {
     ++m_profile.valueCount;
     if (MissingValue::isMissing(value)) {
         ++m_profile.missingCount;
         ++m_profile.observedMissingMarkers[*MissingValue::displayMarker(value)];
-        return;
+        return true;
     }
     if (m_profile.sampleValues.size() < 4) m_profile.sampleValues.emplace_back(value);
     if (isPlainAscii(value)) {
@@ -58,6 +58,7 @@ void ColumnProfileBuilder::add(std::string_view value) {
         const std::string trimmed = platform::text::trimmed(value);
         countAnswer(trimmed, static_cast<std::int64_t>(platform::text::characterCount(value)));
     }
+    return false;
 }
 
 void ColumnProfileBuilder::countAnswer(std::string_view trimmed, std::int64_t characters) {

@@ -36,7 +36,8 @@ struct ColumnProfile {
 // Feeds a column one cell at a time, so callers need not copy a column out of the rows.
 class ColumnProfileBuilder {
 public:
-    void add(std::string_view value);
+    // True when the cell is missing.
+    bool add(std::string_view value);
     ColumnProfile finish();
 
 private:
@@ -47,6 +48,12 @@ private:
     DistinctTextSet m_distinct; // answers trimmed and lower-cased
     std::string m_lowered;      // reused for every answer that needs lower-casing
     double m_sum = 0;
+};
+
+// Every column's profile and, from the same pass, each row's count of missing cells.
+struct TableProfile {
+    std::vector<ColumnProfile> columns;
+    std::vector<std::int64_t> rowMissingCounts;
 };
 
 } // namespace merivante

@@ -16,14 +16,14 @@ void refreshMetadata(ImportedDataset& dataset) {
 
 void rebuild(ImportedDataset& dataset, ImportSourceKind sourceKind, const std::optional<std::string>& worksheetName,
              std::vector<ImportReadinessIssue> issues) {
-    const auto profiles = ImportReadinessBuilder::columnProfiles(dataset.headers.size(), dataset.rows);
+    const auto profile = ImportReadinessBuilder::tableProfile(dataset.headers.size(), dataset.rows);
     dataset.variables.clear();
-    for (std::size_t i = 0; i < profiles.size(); ++i) {
-        dataset.variables.push_back(VariableClassifier::classify(dataset.headers[i], profiles[i]));
+    for (std::size_t i = 0; i < profile.columns.size(); ++i) {
+        dataset.variables.push_back(VariableClassifier::classify(dataset.headers[i], profile.columns[i]));
     }
     dataset.importMetadata = ImportReadinessBuilder::metadata(
         sourceKind, worksheetName, dataset.headers, dataset.rows,
-        ImportReadinessBuilder::positionalReports(dataset.rows, dataset.headers.size()), std::move(issues), profiles);
+        ImportReadinessBuilder::positionalReports(dataset.rows, dataset.headers.size()), std::move(issues), profile);
 }
 
 } // namespace merivante::DatasetGridEditor

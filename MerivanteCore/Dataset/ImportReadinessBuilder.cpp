@@ -40,12 +40,15 @@ ImportColumnSummary columnSummary(const ColumnProfile& profile, std::size_t inde
     return summary;
 }
 
+// `profiledMissing` counts the cells under the headers, which are the row's own cells
+// unless the row is ragged.
 ImportRowSummary rowSummary(const std::vector<std::string>& row, std::size_t index,
-                            const std::vector<ImportRowNormalizationReport>& reports, std::int64_t headerCount) {
+                            const std::vector<ImportRowNormalizationReport>& reports, std::int64_t headerCount,
+                            std::int64_t profiledMissing) {
     const ImportRowNormalizationReport report =
         index < reports.size() ? reports[index]
                                : ImportRowNormalizationReport::make(count(index + 2), count(row.size()), headerCount);
-    const std::int64_t missing = missingCells(row);
+    const std::int64_t missing = count(row.size()) == headerCount ? profiledMissing : missingCells(row);
     return {count(index + 1),           report.sourceRowNumber,
             missing,                    std::max<std::int64_t>(headerCount - missing, 0),
             report.originalColumnCount, report.normalizedColumnCount,
@@ -121,31 +124,35 @@ std::vector<ImportRowNormalizationReport> positionalReports(const Rows& rows, st
 }
 
 // Row by row, so each row's cells are read while in cache. On large tables the columns are
-// shared between two threads, each with builders of its own so that neither writes to
-// memory the other is reading.
-std::vector<ColumnProfile> columnProfiles(std::size_t columnCount, const Rows& rows) {
+// shared between two threads, each with builders and row counts of its own so that neither
+// writes to memory the other is reading.
+TableProfile tableProfile(std::size_t columnCount, const Rows& rows) {
     const auto profileColumns = [&rows, columnCount](std::size_t first, std::size_t step) {
         std::vector<ColumnProfileBuilder> builders((columnCount - first + step - 1) / step);
+        TableProfile part;
+        part.rowMissingCounts.reserve(rows.size());
         for (const auto& row : rows) {
+            std::int64_t missing = 0;
             for (std::size_t column = first, i = 0; column < columnCount; column += step, ++i) {
-                builders[i].add(column < row.size() ? std::string_view(row[column]) : std::string_view());
+                missing += builders[i].add(column < row.size() ? std::string_view(row[column]) : std::string_view());
             }
+            part.rowMissingCounts.push_back(missing);
         }
-        std::vector<ColumnProfile> profiles;
-        for (ColumnProfileBuilder& builder : builders) profiles.push_back(builder.finish());
-        return profiles;
+        for (ColumnProfileBuilder& builder : builders) part.columns.push_back(builder.finish());
+        return part;
     };
     if (columnCount < 2 || rows.size() * columnCount < 100'000) return profileColumns(0, 1);
-    std::vector<ColumnProfile> odd;
+    TableProfile odd;
     std::thread helper([&] { odd = profileColumns(1, 2); });
-    std::vector<ColumnProfile> even = profileColumns(0, 2);
+    TableProfile profile = profileColumns(0, 2);
     helper.join();
-    std::vector<ColumnProfile> profiles;
-    profiles.reserve(columnCount);
+    for (std::size_t row = 0; row < rows.size(); ++row) profile.rowMissingCounts[row] += odd.rowMissingCounts[row];
+    std::vector<ColumnProfile> even = std::move(profile.columns);
+    profile.columns.clear();
     for (std::size_t column = 0; column < columnCount; ++column) {
-        profiles.push_back(std::move(column % 2 == 0 ? even[column / 2] : odd[column / 2]));
+        profile.columns.push_back(std::move(column % 2 == 0 ? even[column / 2] : odd.columns[column / 2]));
     }
-    return profiles;
+    return profile;
 }
 
 ImportReadinessMetadata metadata(ImportSourceKind sourceKind, const std::optional<std::string>& worksheetName,
@@ -153,23 +160,24 @@ ImportReadinessMetadata metadata(ImportSourceKind sourceKind, const std::optiona
                                  const std::vector<ImportRowNormalizationReport>& rowReports,
                                  std::vector<ImportReadinessIssue> issues) {
     return metadata(sourceKind, worksheetName, headers, rows, rowReports, std::move(issues),
-                    columnProfiles(headers.size(), rows));
+                    tableProfile(headers.size(), rows));
 }
 
 ImportReadinessMetadata metadata(ImportSourceKind sourceKind, const std::optional<std::string>& worksheetName,
                                  const std::vector<std::string>& headers, const Rows& rows,
                                  const std::vector<ImportRowNormalizationReport>& rowReports,
-                                 std::vector<ImportReadinessIssue> issues, const std::vector<ColumnProfile>& profiles) {
+                                 std::vector<ImportReadinessIssue> issues, const TableProfile& profile) {
     ImportReadinessMetadata result;
     result.sourceKind = sourceKind;
     result.worksheetName = worksheetName;
     result.expectedColumnCount = result.columnCount = count(headers.size());
     result.rowCount = count(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        result.rowSummaries.push_back(rowSummary(rows[i], i, rowReports, result.columnCount));
+        result.rowSummaries.push_back(
+            rowSummary(rows[i], i, rowReports, result.columnCount, profile.rowMissingCounts[i]));
     }
     for (std::size_t i = 0; i < headers.size(); ++i) {
-        result.columnSummaries.push_back(columnSummary(profiles[i], i, headers[i]));
+        result.columnSummaries.push_back(columnSummary(profile.columns[i], i, headers[i]));
         result.missingCellCount += result.columnSummaries.back().missingCount;
         for (const auto& [marker, seen] : result.columnSummaries.back().observedMissingMarkers) {
             result.observedMissingMarkers[marker] += seen;

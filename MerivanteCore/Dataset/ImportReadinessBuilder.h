@@ -38,14 +38,15 @@ ImportReadinessMetadata metadata(ImportSourceKind sourceKind, const std::optiona
 std::vector<ImportRowNormalizationReport> positionalReports(const std::vector<std::vector<std::string>>& rows,
                                                             std::size_t columnCount);
 
-// One profile per column, a short row giving "". Importers classify their variables from
-// these and hand them to `metadata`, so that each column is read once.
-std::vector<ColumnProfile> columnProfiles(std::size_t columnCount, const std::vector<std::vector<std::string>>& rows);
+// One profile per column, a short row giving "", and the missing cells of each row.
+// Importers classify their variables from it and hand it to `metadata`, so that the table
+// is read once.
+TableProfile tableProfile(std::size_t columnCount, const std::vector<std::vector<std::string>>& rows);
 
 ImportReadinessMetadata metadata(ImportSourceKind sourceKind, const std::optional<std::string>& worksheetName,
                                  const std::vector<std::string>& headers,
                                  const std::vector<std::vector<std::string>>& rows,
                                  const std::vector<ImportRowNormalizationReport>& rowReports,
-                                 std::vector<ImportReadinessIssue> issues, const std::vector<ColumnProfile>& profiles);
+                                 std::vector<ImportReadinessIssue> issues, const TableProfile& profile);
 
 } // namespace merivante::ImportReadinessBuilder

@@ -62,16 +62,16 @@ ImportedDataset CSVImporter::importCSV(std::string_view name, std::string_view c
     CSVParseResult parsed = parser.parse(content);
     if (parsed.rows.empty()) throw CSVImportError::noDataRows(static_cast<std::int64_t>(parsed.headers.size()));
     auto headers = ImportReadinessBuilder::normalizedHeaders(parsed.headers);
-    const auto profiles = ImportReadinessBuilder::columnProfiles(headers.headers.size(), parsed.rows);
+    const auto profile = ImportReadinessBuilder::tableProfile(headers.headers.size(), parsed.rows);
 
     ImportedDataset dataset;
     dataset.name = std::string(name);
-    for (std::size_t i = 0; i < profiles.size(); ++i) {
-        dataset.variables.push_back(VariableClassifier::classify(headers.headers[i], profiles[i]));
+    for (std::size_t i = 0; i < profile.columns.size(); ++i) {
+        dataset.variables.push_back(VariableClassifier::classify(headers.headers[i], profile.columns[i]));
     }
     dataset.importMetadata =
         ImportReadinessBuilder::metadata(ImportSourceKind::csv, std::nullopt, headers.headers, parsed.rows,
-                                         parsed.rowReports, std::move(headers.issues), profiles);
+                                         parsed.rowReports, std::move(headers.issues), profile);
     dataset.headers = std::move(headers.headers);
     dataset.rows = std::move(parsed.rows);
     return dataset;

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <initializer_list>
+#include <iterator>
+#include <thread>
 
 #include "MerivanteCore/Dataset/ImportReadinessBuilder.h"
 #include "Platform/Text/Text.h"
@@ -35,8 +38,13 @@ public:
         : m_text(text), m_delimiter(delimiter), m_plainStops(byteSet({delimiter, '\n', '\r'})),
           m_quotedStops(byteSet({'"', '\r'})) {}
 
-    Records walk() {
+    // Stops early when a record ends exactly at `stop`; stoppedAtBoundary() tells whether it did.
+    Records walk(std::size_t stop = std::string_view::npos) {
         while (m_at < m_text.size()) {
+            if (m_at == stop && m_field.empty() && m_row.empty()) {
+                m_stoppedAtBoundary = true;
+                return std::move(m_records);
+            }
             if (m_field.empty() && isAlone('"')) {
                 ++m_at;
                 if (!walkQuoted()) throw CSVParserError::unterminatedQuote;
@@ -47,6 +55,8 @@ public:
         if (!m_field.empty() || !m_row.empty()) endRecord();
         return std::move(m_records);
     }
+
+    bool stoppedAtBoundary() const { return m_stoppedAtBoundary; }
 
 private:
     bool isAlone(char character) const { return m_text[m_at] == character && standsAlone(m_at); }
@@ -132,6 +142,7 @@ private:
     ByteSet m_plainStops;
     ByteSet m_quotedStops;
     std::size_t m_at = 0;
+    bool m_stoppedAtBoundary = false;
     std::string m_field;
     std::vector<std::string> m_row;
     Records m_records;
@@ -157,6 +168,38 @@ std::vector<std::string_view> leadingLines(std::string_view text, std::size_t wa
     }
     if (lines.size() < wanted && start < text.size()) endLine(text.size(), text.size());
     return lines;
+}
+
+// Large texts are read in two halves at once. The second half starts after a line end, and
+// counts only if the first half, read from the start, ends a record at that very line end;
+// a quoted field running across it sends the first reader on to the end alone.
+Records readRecords(std::string_view text, char delimiter) {
+    constexpr std::size_t kSplitSize = 4 << 20;
+    const std::size_t lineEnd = text.size() < kSplitSize ? std::string_view::npos : text.find('\n', text.size() / 2);
+    if (lineEnd == std::string_view::npos) return RecordWalker(text, delimiter).walk();
+    Records second;
+    std::exception_ptr secondFailure;
+    std::thread reader([&] {
+        try {
+            second = RecordWalker(text.substr(lineEnd + 1), delimiter).walk();
+        } catch (...) {
+            secondFailure = std::current_exception();
+        }
+    });
+    RecordWalker first(text, delimiter);
+    Records records;
+    try {
+        records = first.walk(lineEnd + 1);
+    } catch (...) {
+        reader.join();
+        throw;
+    }
+    reader.join();
+    if (!first.stoppedAtBoundary()) return records;
+    if (secondFailure) std::rethrow_exception(secondFailure);
+    records.reserve(records.size() + second.size());
+    std::move(second.begin(), second.end(), std::back_inserter(records));
+    return records;
 }
 
 std::string cleanHeader(std::string header) {
@@ -195,7 +238,7 @@ char CSVParser::detectDelimiter(std::string_view content) {
 }
 
 CSVParseResult CSVParser::parse(std::string_view content) const {
-    Records records = RecordWalker(content, detectDelimiter(content)).walk();
+    Records records = readRecords(content, detectDelimiter(content));
     if (records.empty() || records.front().empty()) throw CSVParserError::emptyFile;
 
     CSVParseResult result;

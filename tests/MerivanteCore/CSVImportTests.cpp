@@ -113,6 +113,28 @@ TEST(CSVParserTest, AnAccentedDelimiterOrQuoteIsText) {
     EXPECT_EQ(CSVParser::detectDelimiter("a;b;c\nx,\u0301,\u0301,\u0301y;z\n"), ';');
 }
 
+// Large texts are read in two halves; the reading must not depend on where the middle falls.
+TEST(CSVParserTest, LargeTextsReadTheSameAsSmallOnes) {
+    const std::string row = "17,\"plain, quoted\",x\n";
+    std::string body;
+    while (body.size() < (3u << 20)) body += row;
+    const std::size_t bodyRows = body.size() / row.size();
+    const std::string header = "n,answer,tag\n";
+
+    // The middle falls inside a quoted answer of many lines.
+    const std::string lines(4000, '\n');
+    const auto across = parse(header + body + "18,\"one" + lines + "two\",y\n" + body);
+    ASSERT_EQ(across.rows.size(), 2 * bodyRows + 1);
+    EXPECT_EQ(across.rows[bodyRows], (Strings{"18", "one" + lines + "two", "y"}));
+    EXPECT_EQ(across.rows.back(), (Strings{"17", "plain, quoted", "x"}));
+
+    // The middle falls among blank lines, which count for nothing.
+    const auto between = parse(header + body + lines + body);
+    ASSERT_EQ(between.rows.size(), 2 * bodyRows);
+    EXPECT_EQ(between.rowReports.back().sourceRowNumber, static_cast<std::int64_t>(2 * bodyRows + 1));
+    EXPECT_EQ(failure(header + body + lines + body + "19,\"open"), CSVParserError::unterminatedQuote);
+}
+
 fs::path writeFile(const std::string& name, std::string_view bytes) {
     const fs::path path = fs::temp_directory_path() / ("merivante-csv-test-" + std::to_string(::getpid())) / name;
     fs::create_directories(path.parent_path());
