@@ -78,21 +78,27 @@ void ColumnProfileBuilder::countAnswer(std::string_view trimmed, std::int64_t ch
 }
 
 void ColumnProfileBuilder::addDistinct(std::string_view trimmed) {
-    if (!hasAsciiUpper(trimmed)) {
-        if (isPlainAscii(trimmed)) {
-            m_distinct.insert(trimmed);
-            return;
+    insertPending();
+    if (isPlainAscii(trimmed)) {
+        m_pending.assign(trimmed);
+        if (hasAsciiUpper(trimmed)) {
+            for (char& c : m_pending) c = (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
         }
-    } else if (isPlainAscii(trimmed)) {
-        m_lowered.assign(trimmed);
-        for (char& c : m_lowered) c = (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-        m_distinct.insert(m_lowered);
-        return;
+    } else {
+        m_pending = platform::text::lowercased(trimmed);
     }
-    m_distinct.insert(platform::text::lowercased(trimmed));
+    m_pendingHash = DistinctTextSet::hashOf(m_pending);
+    m_distinct.prefetch(m_pendingHash);
+    m_hasPending = true;
+}
+
+void ColumnProfileBuilder::insertPending() {
+    if (m_hasPending) m_distinct.insert(m_pending, m_pendingHash);
+    m_hasPending = false;
 }
 
 ColumnProfile ColumnProfileBuilder::finish() {
+    insertPending();
     if (m_profile.numericSummary) m_profile.numericSummary->mean = m_sum / static_cast<double>(m_profile.numericCount);
     m_profile.uniqueCount = static_cast<std::int64_t>(m_distinct.size());
     m_distinct = {};

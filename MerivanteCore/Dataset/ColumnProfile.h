@@ -43,10 +43,14 @@ public:
 private:
     void countAnswer(std::string_view trimmed, std::int64_t characters);
     void addDistinct(std::string_view trimmed);
+    void insertPending();
 
     ColumnProfile m_profile;
     DistinctTextSet m_distinct; // answers trimmed and lower-cased
-    std::string m_lowered;      // reused for every answer that needs lower-casing
+    // Each answer enters the set one answer late, once its slot has been fetched.
+    std::string m_pending;
+    std::uint64_t m_pendingHash = 0;
+    bool m_hasPending = false;
     double m_sum = 0;
 };
 

@@ -26,8 +26,10 @@ std::uint64_t mix(std::uint64_t a, std::uint64_t b) {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+} // namespace
+
 // Never 0, which marks an empty slot.
-std::uint64_t hashOf(std::string_view text) {
+std::uint64_t DistinctTextSet::hashOf(std::string_view text) {
     std::uint64_t hash = text.size();
     std::size_t at = 0;
     for (; at + 16 <= text.size(); at += 16) hash = mix(hash ^ load(text.data() + at, 8), load(text.data() + at + 8, 8));
@@ -35,8 +37,6 @@ std::uint64_t hashOf(std::string_view text) {
     hash = mix(hash ^ load(text.data() + at, rest), rest > 8 ? load(text.data() + at + 8, rest - 8) : 0);
     return hash | 1;
 }
-
-} // namespace
 
 DistinctTextSet::DistinctTextSet() : m_slots(emptySlots(kFirstCapacity)), m_capacity(kFirstCapacity) {}
 
@@ -56,8 +56,7 @@ std::string_view DistinctTextSet::textOf(const Slot& slot) const {
     return {slot.size <= kInline ? slot.bytes : slot.pointer, slot.size};
 }
 
-bool DistinctTextSet::insert(std::string_view text) {
-    const std::uint64_t hash = hashOf(text);
+bool DistinctTextSet::insert(std::string_view text, std::uint64_t hash) {
     const std::size_t mask = m_capacity - 1;
     for (std::size_t at = (hash >> 1) & mask;; at = (at + 1) & mask) {
         Slot& slot = m_slots[at];

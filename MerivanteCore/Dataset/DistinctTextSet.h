@@ -16,7 +16,14 @@ public:
     DistinctTextSet();
 
     // True when the text had not been seen.
-    bool insert(std::string_view text);
+    bool insert(std::string_view text) { return insert(text, hashOf(text)); }
+    bool insert(std::string_view text, std::uint64_t hash);
+
+    // A caller with other work to do can ask for a text's slot ahead of inserting it, so
+    // that in a large table the memory access overlaps that work.
+    static std::uint64_t hashOf(std::string_view text);
+    void prefetch(std::uint64_t hash) const { __builtin_prefetch(&m_slots[(hash >> 1) & (m_capacity - 1)]); }
+
     std::size_t size() const { return m_count; }
 
 private:

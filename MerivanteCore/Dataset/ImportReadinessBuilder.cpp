@@ -1,6 +1,8 @@
 #include "MerivanteCore/Dataset/ImportReadinessBuilder.h"
 
 #include <algorithm>
+#include <array>
+#include <numeric>
 #include <thread>
 
 #include "MerivanteCore/Dataset/ColumnProfile.h"
@@ -123,17 +125,48 @@ std::vector<ImportRowNormalizationReport> positionalReports(const Rows& rows, st
     return reports;
 }
 
+// A column of mostly distinct answers (identifiers, timestamps) costs several times one of
+// a few repeated answers; the first rows tell which is which.
+std::vector<double> estimatedColumnCosts(std::size_t columnCount, const Rows& rows) {
+    const std::size_t sample = std::min<std::size_t>(rows.size(), 1000);
+    std::vector<double> costs;
+    for (std::size_t column = 0; column < columnCount; ++column) {
+        DistinctTextSet distinct;
+        for (std::size_t row = 0; row < sample; ++row) {
+            if (column < rows[row].size()) distinct.insert(rows[row][column]);
+        }
+        costs.push_back(1.0 + 3.0 * static_cast<double>(distinct.size()) / static_cast<double>(std::max<std::size_t>(sample, 1)));
+    }
+    return costs;
+}
+
+// Two lists of columns of about equal cost, the dearest placed first.
+std::array<std::vector<std::size_t>, 2> balancedColumns(const std::vector<double>& costs) {
+    std::vector<std::size_t> order(costs.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) { return costs[a] > costs[b]; });
+    std::array<std::vector<std::size_t>, 2> lists;
+    std::array<double, 2> load{};
+    for (const std::size_t column : order) {
+        const std::size_t lighter = load[0] <= load[1] ? 0 : 1;
+        lists[lighter].push_back(column);
+        load[lighter] += costs[column];
+    }
+    return lists;
+}
+
 // Row by row, so each row's cells are read while in cache. On large tables the columns are
 // shared between two threads, each with builders and row counts of its own so that neither
 // writes to memory the other is reading.
 TableProfile tableProfile(std::size_t columnCount, const Rows& rows) {
-    const auto profileColumns = [&rows, columnCount](std::size_t first, std::size_t step) {
-        std::vector<ColumnProfileBuilder> builders((columnCount - first + step - 1) / step);
+    const auto profileColumns = [&rows](const std::vector<std::size_t>& columns) {
+        std::vector<ColumnProfileBuilder> builders(columns.size());
         TableProfile part;
         part.rowMissingCounts.reserve(rows.size());
         for (const auto& row : rows) {
             std::int64_t missing = 0;
-            for (std::size_t column = first, i = 0; column < columnCount; column += step, ++i) {
+            for (std::size_t i = 0; i < columns.size(); ++i) {
+                const std::size_t column = columns[i];
                 missing += builders[i].add(column < row.size() ? std::string_view(row[column]) : std::string_view());
             }
             part.rowMissingCounts.push_back(missing);
@@ -141,17 +174,23 @@ TableProfile tableProfile(std::size_t columnCount, const Rows& rows) {
         for (ColumnProfileBuilder& builder : builders) part.columns.push_back(builder.finish());
         return part;
     };
-    if (columnCount < 2 || rows.size() * columnCount < 100'000) return profileColumns(0, 1);
-    TableProfile odd;
-    std::thread helper([&] { odd = profileColumns(1, 2); });
-    TableProfile profile = profileColumns(0, 2);
-    helper.join();
-    for (std::size_t row = 0; row < rows.size(); ++row) profile.rowMissingCounts[row] += odd.rowMissingCounts[row];
-    std::vector<ColumnProfile> even = std::move(profile.columns);
-    profile.columns.clear();
-    for (std::size_t column = 0; column < columnCount; ++column) {
-        profile.columns.push_back(std::move(column % 2 == 0 ? even[column / 2] : odd.columns[column / 2]));
+    if (columnCount < 2 || rows.size() * columnCount < 100'000) {
+        std::vector<std::size_t> all(columnCount);
+        std::iota(all.begin(), all.end(), 0);
+        return profileColumns(all);
     }
+    const auto lists = balancedColumns(estimatedColumnCosts(columnCount, rows));
+    TableProfile second;
+    std::thread helper([&] { second = profileColumns(lists[1]); });
+    TableProfile first = profileColumns(lists[0]);
+    helper.join();
+
+    TableProfile profile;
+    profile.rowMissingCounts = std::move(first.rowMissingCounts);
+    for (std::size_t row = 0; row < rows.size(); ++row) profile.rowMissingCounts[row] += second.rowMissingCounts[row];
+    profile.columns.resize(columnCount);
+    for (std::size_t i = 0; i < lists[0].size(); ++i) profile.columns[lists[0][i]] = std::move(first.columns[i]);
+    for (std::size_t i = 0; i < lists[1].size(); ++i) profile.columns[lists[1][i]] = std::move(second.columns[i]);
     return profile;
 }
 
