@@ -10,25 +10,8 @@
 namespace merivante {
 namespace {
 
-bool isAsciiSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-// Most answers are plain ASCII with nothing to trim; those need no copy.
-bool isPlainAscii(std::string_view text) {
-    unsigned char bits = 0;
-    for (const char c : text) bits |= static_cast<unsigned char>(c);
-    return bits < 0x80 && !text.empty() && !isAsciiSpace(text.front()) && !isAsciiSpace(text.back());
-}
-
 bool hasAsciiUpper(std::string_view text) {
     return std::any_of(text.begin(), text.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
-}
-
-// Only a sign, a digit, a point or the start of "inf"/"nan" can begin a number.
-bool mayBeNumber(std::string_view trimmed) {
-    if (trimmed.empty()) return false;
-    const char c = trimmed.front();
-    return (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.' || c == 'i' || c == 'I' || c == 'n' ||
-           c == 'N';
 }
 
 } // namespace
@@ -52,12 +35,7 @@ bool ColumnProfileBuilder::add(std::string_view value) {
         return true;
     }
     if (m_profile.sampleValues.size() < 4) m_profile.sampleValues.emplace_back(value);
-    if (isPlainAscii(value)) {
-        countAnswer(value, static_cast<std::int64_t>(value.size()));
-    } else {
-        const std::string trimmed = platform::text::trimmed(value);
-        countAnswer(trimmed, static_cast<std::int64_t>(platform::text::characterCount(value)));
-    }
+    countAnswer(platform::text::trimmedView(value), static_cast<std::int64_t>(platform::text::characterCount(value)));
     return false;
 }
 
@@ -65,7 +43,6 @@ void ColumnProfileBuilder::countAnswer(std::string_view trimmed, std::int64_t ch
     m_profile.answerCharacters += characters;
     m_profile.longestAnswerCharacters = std::max(m_profile.longestAnswerCharacters, characters);
     addDistinct(trimmed);
-    if (!mayBeNumber(trimmed)) return;
     const auto number = parseNumber(trimmed);
     if (!number) return;
     auto& summary = m_profile.numericSummary;
@@ -79,7 +56,7 @@ void ColumnProfileBuilder::countAnswer(std::string_view trimmed, std::int64_t ch
 
 void ColumnProfileBuilder::addDistinct(std::string_view trimmed) {
     insertPending();
-    if (isPlainAscii(trimmed)) {
+    if (platform::text::isAscii(trimmed)) {
         m_pending.assign(trimmed);
         if (hasAsciiUpper(trimmed)) {
             for (char& c : m_pending) c = (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;

@@ -1,6 +1,5 @@
 #include "MerivanteCore/Dataset/DatasetNumbers.h"
 
-#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <cstdint>
@@ -49,19 +48,18 @@ std::optional<double> plainDecimal(std::string_view text) {
     return negative ? -value : value;
 }
 
+// Only a sign, a digit, a point or the start of "inf"/"nan" can begin a number.
+bool mayBeNumber(std::string_view trimmed) {
+    if (trimmed.empty()) return false;
+    const char c = trimmed.front();
+    return (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.' || c == 'i' || c == 'I' || c == 'n' || c == 'N';
+}
+
 } // namespace
 
 std::optional<double> parseNumber(std::string_view text) {
-    const auto isPlainEdge = [](char c) {
-        return static_cast<unsigned char>(c) < 0x80 && !std::isspace(static_cast<unsigned char>(c));
-    };
-    std::string owned;
-    std::string_view trimmed = text;
-    if (text.empty() || !isPlainEdge(text.front()) || !isPlainEdge(text.back())) {
-        owned = platform::text::trimmed(text);
-        trimmed = owned;
-    }
-    if (trimmed.empty() || std::isspace(static_cast<unsigned char>(trimmed.front()))) return std::nullopt;
+    const std::string_view trimmed = platform::text::trimmedView(text);
+    if (!mayBeNumber(trimmed)) return std::nullopt; // most text is refused before strtod
     if (const auto value = plainDecimal(trimmed)) return value;
     // strtod wants a terminated string; short cells go through a buffer on the stack.
     char buffer[64];

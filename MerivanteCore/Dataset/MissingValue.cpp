@@ -13,23 +13,17 @@ std::string shown(std::string marker) { return marker.empty() ? "(blank)" : mark
 
 } // namespace
 
-// Most cells are answers: an ASCII view trimmed of ASCII blanks settles them without
-// allocating. Markers are ASCII, and no other character lower-cases into one of theirs.
+// Markers are ASCII, and no other character lower-cases into one of theirs, so a cell that
+// is long or not plain ASCII once trimmed is an answer; the rest is compared without copying.
 bool isMissing(std::string_view value) {
-    const auto isAsciiSpace = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
-    while (!value.empty() && isAsciiSpace(value.front())) value.remove_prefix(1);
-    while (!value.empty() && isAsciiSpace(value.back())) value.remove_suffix(1);
-    if (value.empty()) return true;
-    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
-    if (!isAscii(value.front()) || !isAscii(value.back())) return normalizedMarker(value).has_value();
+    const std::string_view trimmed = platform::text::trimmedView(value);
     constexpr std::size_t longest = 14; // "not applicable"
-    if (value.size() > longest) return false;
+    if (trimmed.size() > longest || !platform::text::isAscii(trimmed)) return false;
     char lower[longest];
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        if (!isAscii(value[i])) return false;
-        lower[i] = (value[i] >= 'A' && value[i] <= 'Z') ? static_cast<char>(value[i] - 'A' + 'a') : value[i];
+    for (std::size_t i = 0; i < trimmed.size(); ++i) {
+        lower[i] = (trimmed[i] >= 'A' && trimmed[i] <= 'Z') ? static_cast<char>(trimmed[i] - 'A' + 'a') : trimmed[i];
     }
-    const std::string_view normalized(lower, value.size());
+    const std::string_view normalized(lower, trimmed.size());
     return std::find(knownMarkers.begin(), knownMarkers.end(), normalized) != knownMarkers.end();
 }
 

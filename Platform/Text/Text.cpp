@@ -22,12 +22,6 @@
 #include <unicode/utf8.h>
 
 namespace platform::text {
-namespace {
-
-// ICU indexes strings with int32_t; longer texts take the simpler fallbacks below.
-bool fitsICU(std::string_view text) {
-    return text.size() <= static_cast<std::size_t>(std::numeric_limits<int32_t>::max());
-}
 
 // ORs every byte instead of stopping early so the loop vectorises.
 bool isAscii(std::string_view text) {
@@ -36,6 +30,13 @@ bool isAscii(std::string_view text) {
         bits |= static_cast<unsigned char>(byte);
     }
     return bits < 0x80;
+}
+
+namespace {
+
+// ICU indexes strings with int32_t; longer texts take the simpler fallbacks below.
+bool fitsICU(std::string_view text) {
+    return text.size() <= static_cast<std::size_t>(std::numeric_limits<int32_t>::max());
 }
 
 bool isAsciiWhitespace(unsigned char byte) {
@@ -233,10 +234,14 @@ icu::UnicodeString foldedForSearch(std::string_view text) {
 
 } // namespace
 
-std::string trimmed(std::string_view text) {
+std::string_view trimmedView(std::string_view text) {
+    const auto plainEdge = [](char c) { return static_cast<unsigned char>(c) < 0x80 && !isAsciiWhitespace(c); };
+    if (text.empty() || (plainEdge(text.front()) && plainEdge(text.back()))) return text; // the usual case
     const std::size_t begin = leadingEnd(text, isWhitespace);
-    return std::string(text.substr(begin, trailingStart(text, begin, isWhitespace) - begin));
+    return text.substr(begin, trailingStart(text, begin, isWhitespace) - begin);
 }
+
+std::string trimmed(std::string_view text) { return std::string(trimmedView(text)); }
 
 std::string trimmedOfBlanks(std::string_view text) {
     const std::size_t begin = leadingEnd(text, isBlankCharacter);

@@ -13,6 +13,11 @@ namespace platform::text {
 
 // Removes Unicode whitespace and newlines (the White_Space property) from both ends.
 std::string trimmed(std::string_view text);
+// The same, as a view of the text: for hot loops that need no copy.
+std::string_view trimmedView(std::string_view text);
+
+// True when every byte is below 0x80.
+bool isAscii(std::string_view text);
 
 // The runs of letters and digits (Unicode alphanumerics), in order; every other
 // character, apostrophes and hyphens included, separates them.

@@ -166,22 +166,6 @@ MerivanteProjectManifest manifest(std::string name, DatasetStorageMode mode = Da
     return MerivanteProjectManifest{std::move(name), at("2024-04-05T06:07:08Z"), "Merivante native 0.1.0", mode};
 }
 
-TEST(MerivantePackageTest, ManifestJsonAndStorageModes) {
-    EXPECT_EQ(platform::rawValue(DatasetStorageMode::copy), "copy");
-    EXPECT_EQ(platform::rawValue(DatasetStorageMode::pointer), "pointer");
-
-    const auto pointing = manifest("Thesis", DatasetStorageMode::pointer);
-    EXPECT_EQ(platform::json::decode<MerivanteProjectManifest>(platform::json::encode(pointing)), pointing);
-    EXPECT_EQ(platform::json::encodeCompact(pointing),
-              R"({"createdAt":"2024-04-05T06:07:08Z","datasetMode":"pointer",)"
-              R"("engineVersion":"Merivante native 0.1.0","projectName":"Thesis"})");
-    // Raw values are case-sensitive.
-    EXPECT_THROW((void)platform::json::decode<MerivanteProjectManifest>(
-                     R"({"createdAt": "2024-04-05T06:07:08Z", "datasetMode": "Copy", "engineVersion": "x",
-                         "projectName": "p"})"),
-                 platform::json::DecodingError);
-}
-
 TEST(MerivantePackageTest, CreateFolderMakesEveryRequiredEntryUnderMissingParents) {
     const TemporaryDirectory temporary;
     const fs::path location = temporary / "studies/2024/Thesis.merivante";

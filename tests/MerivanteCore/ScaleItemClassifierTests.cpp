@@ -36,23 +36,6 @@ ScaleItemClassification expected(std::string name, Category category, double pro
     return {std::move(name), category, probability, std::move(reasons), category == Category::likelyScale};
 }
 
-TEST(ScaleItemCategoryTest, RawValuesDisplayNamesAndJson) {
-    EXPECT_EQ(platform::allCases<Category>(), (std::array{Category::likelyScale, Category::likelyInformational,
-                                                          Category::likelyIDMetadata, Category::unclear}));
-    EXPECT_EQ(platform::rawValue(Category::likelyIDMetadata), "likelyIDMetadata");
-    EXPECT_EQ(platform::fromRawValue<Category>("likelyInformational"), Category::likelyInformational);
-    EXPECT_EQ(displayName(Category::likelyScale), "Likely Scale Item");
-    EXPECT_EQ(displayName(Category::likelyInformational), "Likely Informational Item");
-    EXPECT_EQ(displayName(Category::likelyIDMetadata), "Likely ID / Metadata");
-    EXPECT_EQ(displayName(Category::unclear), "Unclear / Needs Review");
-
-    const auto result = expected("Q1", Category::likelyScale, 0.82, {"Bounded 1-2 Likert range"});
-    const std::string json = platform::json::encodeCompact(result);
-    EXPECT_EQ(json, R"({"autoSelectAsScale":true,"category":"likelyScale","columnName":"Q1",)"
-                    R"("reasons":["Bounded 1-2 Likert range"],"scaleProbability":0.82})");
-    EXPECT_EQ(platform::json::decode<ScaleItemClassification>(json), result);
-}
-
 TEST(ScaleItemCleaningTest, MissingMarkersAreDroppedAndAnswersTrimmed) {
     EXPECT_EQ(ScaleItemClassifier::cleanedValues(
                   {" 3 ", "NA", "-", "missing", "Null", ".", "", "n/a", "None", "\n4\t", "N/A", "  ", "Agree "}),
