@@ -1,5 +1,6 @@
 #include "MerivanteCore/Dataset/DatasetNumbers.h"
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdint>
@@ -87,6 +88,17 @@ std::string cleanText(double value) {
         std::snprintf(text, sizeof text, "%.2f", value);
     }
     return text;
+}
+
+std::optional<std::string> wholeNumberText(double value) {
+    if (!(std::fabs(value) < 1e15) || value != std::trunc(value)) return std::nullopt;
+    return std::to_string(static_cast<long long>(value));
+}
+
+std::string shortestText(double value) {
+    char text[64];
+    const auto end = std::to_chars(text, text + sizeof text, value).ptr;
+    return {text, end};
 }
 
 } // namespace merivante

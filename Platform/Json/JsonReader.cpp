@@ -15,8 +15,9 @@ namespace {
 const rapidjson::Value& value(const void* raw) { return *static_cast<const rapidjson::Value*>(raw); }
 
 // The text is checked as UTF-8 as a whole before parsing, which is much faster than
-// the parser's check of each string.
-constexpr unsigned kParseFlags = rapidjson::kParseFullPrecisionFlag;
+// the parser's check of each string. Parsing keeps its own stack, so that a file of a million
+// nested brackets is an error rather than an overflow of the thread's stack.
+constexpr unsigned kParseFlags = rapidjson::kParseFullPrecisionFlag | rapidjson::kParseIterativeFlag;
 
 std::string syntaxDetail(std::string_view text, rapidjson::ParseErrorCode code, std::size_t offset) {
     std::size_t line = 1;

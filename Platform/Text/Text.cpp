@@ -353,6 +353,21 @@ std::string lowercased(std::string_view text) {
     return lower;
 }
 
+std::string uppercased(std::string_view text) {
+    if (isAscii(text) || !fitsICU(text)) {
+        std::string upper(text);
+        std::transform(upper.begin(), upper.end(), upper.begin(), [](char c) {
+            return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        });
+        return upper;
+    }
+    icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+    std::string upper;
+    unicode.toUpper(icu::Locale::getRoot()).toUTF8String(upper);
+    return upper;
+}
+
 std::weak_ordering localizedStandardCompare(std::string_view lhs, std::string_view rhs) {
     const icu::Collator* collator = sharedCollator();
     if (collator == nullptr || !fitsICU(lhs) || !fitsICU(rhs)) {

@@ -49,6 +49,7 @@ std::size_t whitespaceSeparatedRunCount(std::string_view text);
 
 // Unicode full lower-casing, independent of the locale ("İ" becomes "i̇", "ẞ" becomes "ß").
 std::string lowercased(std::string_view text);
+std::string uppercased(std::string_view text);
 
 // Localized standard order: case-insensitive, accent-sensitive, digit runs compared
 // as numbers ("Interview 2" before "Interview 10"). One shared collator.

@@ -165,6 +165,29 @@ std::optional<std::string> decodeUTF8Strict(std::string_view bytes) {
     return std::string(bytes);
 }
 
+std::string repairedUTF8(std::string_view bytes) {
+    const auto* begin = reinterpret_cast<const unsigned char*>(bytes.data());
+    const auto* end = begin + bytes.size();
+    const auto* at = skipAscii(begin, end);
+    if (at == end) return std::string(bytes);
+    std::string repaired(bytes.substr(0, static_cast<std::size_t>(at - begin)));
+    while (at < end) {
+        const auto* run = at;
+        at = skipAscii(at, end);
+        repaired.append(reinterpret_cast<const char*>(run), static_cast<std::size_t>(at - run));
+        if (at == end) break;
+        const std::size_t length = sequenceLength(at, end);
+        if (length == 0) {
+            repaired += "\xEF\xBF\xBD"; // U+FFFD for the one byte that cannot start a sequence here
+            ++at;
+        } else {
+            repaired.append(reinterpret_cast<const char*>(at), length);
+            at += length;
+        }
+    }
+    return repaired;
+}
+
 std::optional<std::string> decodeStrict(std::string_view bytes, const char* charset) {
     // ICU reads a missing name as "the platform default", which is not what was asked.
     if (charset == nullptr) {

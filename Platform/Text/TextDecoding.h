@@ -15,6 +15,9 @@ bool isWellFormedUTF8(std::string_view bytes);
 // The bytes as they are when they are well-formed UTF-8 (a byte order mark is kept).
 std::optional<std::string> decodeUTF8Strict(std::string_view bytes);
 
+// The bytes as UTF-8, each byte that starts no well-formed sequence replaced by U+FFFD.
+std::string repairedUTF8(std::string_view bytes);
+
 // The bytes converted from the named charset (an ICU converter name such as
 // "windows-1252", "ISO-8859-1", "UTF-16LE", "US-ASCII"). Conversion stops, and the
 // result is absent, at the first byte sequence that is invalid or undefined in it.

@@ -7,7 +7,10 @@
 #include "MerivanteCore/Dataset/MerivanteProjectManifest.h"
 #include "MerivanteCore/Dataset/ProjectArchive.h"
 #include "MerivanteCore/Import/ScaleItemClassifier.h"
+#include "MerivanteCore/Import/StataReader.h"
 #include "tests/cli/CliTestSupport.h"
+#include "tests/support/DtaBuilder.h"
+#include "tests/support/SavBuilder.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel::cli {
@@ -37,12 +40,39 @@ TEST_F(MibrelCliDatasetTest, ImportPrintsTheDatasetOrTheReasonItCannot) {
     EXPECT_EQ(dataset.rowCount(), 4);
     EXPECT_EQ(dataset.variables[1].assignedType, merivante::VariableKind::psychometricItem);
 
-    writeText(folder / "survey.sav", "not yet");
+    writeText(folder / "survey.sav", "not a system file");
     const CliResult refused = run({"dataset", "import", (folder / "survey.sav").string()});
     EXPECT_EQ(refused.status, kExitFailure);
-    EXPECT_EQ(refused.err, "Merivante Studio currently imports CSV or plain text files, not .sav files.\n");
+    EXPECT_EQ(refused.err, "This .sav file could not be read. Re-export it from SPSS as a standard system file, "
+                           "then import it again.\n");
+    writeText(folder / "survey.ods", "");
+    EXPECT_EQ(run({"dataset", "import", (folder / "survey.ods").string()}).err,
+              "Merivante Studio imports .xlsx and .csv files, not .ods files.\n");
     writeText(folder / "open.csv", "a,b\n\"never closed\n");
     EXPECT_EQ(run({"dataset", "import", (folder / "open.csv").string()}).status, kExitFailure);
+}
+
+TEST_F(MibrelCliDatasetTest, ReadersPrintLabelsAndNotesOfStatisticalFiles) {
+    mibrel::testing::SavBuilder sav(true);
+    sav.numeric("Q1", "Satisfaction").valueLabels({{mibrel::testing::SavBuilder::float64(1), "Low"}}, {1});
+    writeText(folder / "wave.sav", sav.endDictionary().row({std::optional<double>(1)}).bytes());
+    const CliResult spss = run({"dataset", "read-spss", (folder / "wave.sav").string()});
+    ASSERT_EQ(spss.status, kExitSuccess) << spss.err;
+    const auto read = platform::json::decode<merivante::TabularImport>(spss.out);
+    EXPECT_EQ(read.valueLabels.at("Q1").at("1"), "Low");
+    EXPECT_EQ(read.variableLabels.at("Q1"), "Satisfaction");
+    EXPECT_EQ(read.notes.back(), "Parsed 1 variables, 1 cases.");
+
+    mibrel::testing::DtaBuilder dta(117, true);
+    dta.variable("q1", 65530, "", "scale").valueLabelTable("scale", {{3, "Often"}}).row({dta.int8(3)});
+    writeText(folder / "wave.dta", dta.bytes());
+    const CliResult stata = run({"dataset", "read-stata", (folder / "wave.dta").string()});
+    ASSERT_EQ(stata.status, kExitSuccess) << stata.err;
+    EXPECT_EQ(platform::json::decode<merivante::StataImport>(stata.out).valueLabels.at("q1").at("3"), "Often");
+
+    const CliResult refused = run({"dataset", "read-stata", (folder / "wave.sav").string()});
+    EXPECT_EQ(refused.status, kExitFailure);
+    EXPECT_EQ(refused.err.rfind("This .dta file could not be read.", 0), 0u);
 }
 
 TEST_F(MibrelCliDatasetTest, ClassifyScaleTakesQuestionTexts) {

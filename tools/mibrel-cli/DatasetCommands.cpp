@@ -9,7 +9,10 @@
 #include "MerivanteCore/Dataset/MerivanteProjectManifest.h"
 #include "MerivanteCore/Dataset/ProjectArchive.h"
 #include "MerivanteCore/Import/CSVImporter.h"
+#include "MerivanteCore/Import/SPSSReader.h"
 #include "MerivanteCore/Import/ScaleItemClassifier.h"
+#include "MerivanteCore/Import/SpreadsheetImporter.h"
+#include "MerivanteCore/Import/StataReader.h"
 #include "Platform/Files/FileSystem.h"
 #include "Platform/Foundation/EnumRawValues.h"
 #include "tools/mibrel-cli/CliCommand.h"
@@ -22,12 +25,21 @@ using merivante::ImportedDataset;
 // The parser's two failures carry no text of their own; the command line needs one.
 ImportedDataset importDataset(const std::string& typed) {
     try {
-        return merivante::CSVImporter().importCSV(absolutePath(typed));
+        return merivante::SpreadsheetImporter().importData(absolutePath(typed));
     } catch (merivante::CSVParserError error) {
         throw std::runtime_error(error == merivante::CSVParserError::emptyFile
                                      ? "The file holds no header row."
                                      : "The file has a quoted field that is never closed.");
     }
+}
+
+// What a statistical-package reader found, labels and notes included, before any dataset.
+template <typename Reader>
+void printReaderResult(CliContext& context, const std::string& typed, Reader read,
+                       merivante::StatPackageImportError unreadable) {
+    const auto result = read(platform::files::readFile(absolutePath(typed)));
+    if (!result) throw unreadable;
+    printJson(context.out, *result);
 }
 
 std::vector<std::vector<std::string>> columnsOf(const ImportedDataset& dataset) {
@@ -107,9 +119,28 @@ void addDatasetCommands(CLI::App& app, CliContext& context) {
     dataset->require_subcommand(1);
 
     auto file = std::make_shared<std::string>();
-    addCommand(*dataset, context, "import", "Import a data file (.csv, .txt, .tsv) and print the dataset as JSON",
+    addCommand(*dataset, context, "import",
+               "Import a data file (.csv, .txt, .xlsx, .sav, .dta, .mvkb, .mvkbfield) and print the dataset as JSON",
                [&context, file] { printJson(context.out, importDataset(*file)); })
         ->add_option("file", *file, "The data file")
+        ->required();
+
+    auto spssFile = std::make_shared<std::string>();
+    addCommand(*dataset, context, "read-spss", "Print everything read from an SPSS .sav file as JSON",
+               [&context, spssFile] {
+                   printReaderResult(context, *spssFile, merivante::SPSSReader::read,
+                                     merivante::StatPackageImportError::unreadableSPSS());
+               })
+        ->add_option("file", *spssFile, "The .sav file")
+        ->required();
+
+    auto stataFile = std::make_shared<std::string>();
+    addCommand(*dataset, context, "read-stata", "Print everything read from a Stata .dta file as JSON",
+               [&context, stataFile] {
+                   printReaderResult(context, *stataFile, merivante::StataReader::read,
+                                     merivante::StatPackageImportError::unreadableStata());
+               })
+        ->add_option("file", *stataFile, "The .dta file")
         ->required();
 
     auto classify = std::make_shared<ClassifyOptions>();
