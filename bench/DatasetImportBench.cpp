@@ -1,5 +1,3 @@
-#include <sys/resource.h>
-
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +7,7 @@
 #include <benchmark/benchmark.h>
 
 #include "MerivanteCore/Import/CSVImporter.h"
+#include "bench/ImportTiming.h"
 
 // A survey export of 1,000,000 respondents and 12 columns (about 100 MB), imported by
 // Mibrel and, for scale, read by pandas.
@@ -48,24 +47,9 @@ const fs::path& surveyExport() {
     return file;
 }
 
-double peakMemoryMB() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) / 1024.0;
-}
-
 void BM_DatasetImportCSV(benchmark::State& state) {
-    const fs::path& file = surveyExport();
-    for (auto _ : state) {
-        auto dataset = merivante::CSVImporter().importCSV(file);
-        benchmark::DoNotOptimize(dataset.rows.data());
-        state.PauseTiming();
-        dataset = {}; // freeing a million rows is not part of the import
-        state.ResumeTiming();
-    }
-    state.counters["rows"] = kRows;
-    state.counters["MB"] = static_cast<double>(fs::file_size(file)) / 1e6;
-    state.counters["peakMemoryMB"] = peakMemoryMB();
+    timeImport(state, surveyExport(), "rows", kRows,
+               [](const fs::path& file) { return merivante::CSVImporter().importCSV(file); });
 }
 BENCHMARK(BM_DatasetImportCSV)->Unit(benchmark::kMillisecond)->Iterations(1);
 

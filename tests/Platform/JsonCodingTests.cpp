@@ -139,6 +139,8 @@ TEST(JsonCoding, SyntaxErrorsGiveLineAndColumnAndInvalidUtf8IsOne) {
     // A broken sequence and an encoded surrogate.
     expectFailure<std::string>("\"caf\xC3\x28\"", Kind::syntax);
     expectFailure<std::string>("\"\xED\xA0\x80\"", Kind::syntax);
+    // Deep nesting is parsed without recursion, so a hostile file is an error, not a crash.
+    expectFailure<std::string>(std::string(1'000'000, '['), Kind::syntax);
 }
 
 // Unknown keys, and computed ones read back, are ignored rather than failing the record.

@@ -29,7 +29,8 @@ std::string SavBuilder::float64(double value) {
 
 SavBuilder::SavBuilder(bool compressed, double bias) : m_compressed(compressed), m_bias(bias) {
     m_bytes = "$FL2" + padded("@(#) SPSS DATA FILE test builder", 60) + int32(2) + int32(-1) +
-              int32(compressed ? 1 : 0) + int32(0) + int32(-1) + float64(bias) + std::string(84, ' ');
+              int32(compressed ? 1 : 0) + int32(0) + int32(-1) + float64(bias) + "22 Nov 2610:00:00" +
+              std::string(67, ' ');
 }
 
 SavBuilder& SavBuilder::numeric(const std::string& name, std::optional<std::string> label, int printType, int decimals) {
