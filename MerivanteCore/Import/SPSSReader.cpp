@@ -567,9 +567,14 @@ std::optional<std::string> formatSPSSDate(double seconds) {
     const std::int64_t days = whole >= 0 ? whole / 86400 : -((-whole + 86399) / 86400);
     const auto [year, month, day] = civilFromDays(days);
     if (year < 1583 || year > 9998) return std::nullopt;
-    char text[16];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d", static_cast<int>(year), static_cast<int>(month),
-                  static_cast<int>(day));
+    // "%04d-%02d-%02d", written by hand: a file may hold millions of dates.
+    std::string text = "0000-00-00";
+    const auto digits = [&text](std::size_t end, std::int64_t value) {
+        for (std::size_t at = end; value > 0; value /= 10) text[--at] = static_cast<char>('0' + value % 10);
+    };
+    digits(4, year);
+    digits(7, month);
+    digits(10, day);
     return text;
 }
 

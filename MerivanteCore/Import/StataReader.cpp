@@ -99,7 +99,14 @@ std::optional<std::int64_t> peekRelease(ByteReader& reader) {
 
 // A fixed-width text field: up to the first NUL, repaired, without surrounding blanks.
 std::string fieldText(std::string_view bytes) {
-    return platform::text::trimmedOfBlanks(platform::text::repairedUTF8(bytes.substr(0, bytes.find('\0'))));
+    const std::string_view text = bytes.substr(0, bytes.find('\0'));
+    if (platform::text::isAscii(text)) {
+        // Most cells: the only blanks ASCII has are spaces and tabs, and nothing needs repair.
+        const std::size_t start = text.find_first_not_of(" \t");
+        if (start == std::string_view::npos) return {};
+        return std::string(text.substr(start, text.find_last_not_of(" \t") + 1 - start));
+    }
+    return platform::text::trimmedOfBlanks(platform::text::repairedUTF8(text));
 }
 
 std::optional<std::string> readCountedText(ByteReader& reader, std::string_view tag, std::size_t lengthWidth,
@@ -375,9 +382,9 @@ std::optional<StataImport> read(std::string_view bytes) {
 
 std::string formatNumber(double value) {
     if (auto whole = wholeNumberText(value)) return *whole;
+    // The same text as printf's "%.10g", without the cost of printf.
     char text[64];
-    std::snprintf(text, sizeof text, "%.10g", value);
-    std::string result = text;
+    std::string result(text, std::to_chars(text, text + sizeof text, value, std::chars_format::general, 10).ptr);
     if (result.find_first_of("eE") != std::string::npos || result.find('.') == std::string::npos) return result;
     result.erase(result.find_last_not_of('0') + 1);
     if (result.ends_with('.')) result.pop_back();
