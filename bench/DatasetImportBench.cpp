@@ -60,17 +60,7 @@ void BM_DatasetImportPandasReadCSV(benchmark::State& state) {
         "frame = pandas.read_csv(sys.argv[1]); "
         "print(time.perf_counter() - start, resource.getrusage(resource.RUSAGE_SELF).ru_maxrss / 1024)\" '" +
         surveyExport().string() + "' 2>&1";
-    double peak = 0;
-    for (auto _ : state) {
-        FILE* pipe = popen(command.c_str(), "r");
-        double seconds = -1;
-        if (pipe == nullptr || std::fscanf(pipe, "%lf %lf", &seconds, &peak) != 2 || pclose(pipe) != 0) {
-            state.SkipWithError("pandas is not available (install python3-pandas)");
-            return;
-        }
-        state.SetIterationTime(seconds);
-    }
-    state.counters["peakMemoryMB"] = peak;
+    timeYardstick(state, command, "pandas is not available (install python3-pandas)");
 }
 BENCHMARK(BM_DatasetImportPandasReadCSV)->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(1);
 

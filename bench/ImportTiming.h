@@ -2,7 +2,10 @@
 
 #include <sys/resource.h>
 
+#include <cstdio>
 #include <filesystem>
+#include <functional>
+#include <string>
 
 #include <benchmark/benchmark.h>
 
@@ -29,6 +32,24 @@ void timeImport(benchmark::State& state, const std::filesystem::path& file, cons
     state.counters[unit] = count;
     state.counters["MB"] = static_cast<double>(std::filesystem::file_size(file)) / 1e6;
     state.counters["peakMemoryMB"] = peakMemoryMB();
+}
+
+// Runs a yardstick program that prints "<seconds> <peak MB>" and reports both; `before` runs
+// ahead of each repetition, outside the timing.
+inline void timeYardstick(benchmark::State& state, const std::string& command, const char* unavailable,
+                          const std::function<void()>& before = [] {}) {
+    double peak = 0;
+    for (auto _ : state) {
+        before();
+        FILE* pipe = popen(command.c_str(), "r");
+        double seconds = -1;
+        if (pipe == nullptr || std::fscanf(pipe, "%lf %lf", &seconds, &peak) != 2 || pclose(pipe) != 0) {
+            state.SkipWithError(unavailable);
+            return;
+        }
+        state.SetIterationTime(seconds);
+    }
+    state.counters["peakMemoryMB"] = peak;
 }
 
 } // namespace mibrel::bench

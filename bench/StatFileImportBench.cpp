@@ -154,18 +154,8 @@ void convertWithReadstat(benchmark::State& state, const fs::path& input) {
         "assert os.path.getsize(sys.argv[2]) > 0; "
         "print(time.perf_counter() - start, resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss / 1024)\" '" +
         input.string() + "' '" + output.string() + "' 2>&1";
-    double peak = 0;
-    for (auto _ : state) {
-        fs::remove(output);
-        FILE* pipe = popen(command.c_str(), "r");
-        double seconds = -1;
-        if (pipe == nullptr || std::fscanf(pipe, "%lf %lf", &seconds, &peak) != 2 || pclose(pipe) != 0) {
-            state.SkipWithError("readstat could not convert the file (install readstat)");
-            return;
-        }
-        state.SetIterationTime(seconds);
-    }
-    state.counters["peakMemoryMB"] = peak;
+    timeYardstick(state, command, "readstat could not convert the file (install readstat)",
+                  [&output] { fs::remove(output); });
     fs::remove(output);
 }
 
