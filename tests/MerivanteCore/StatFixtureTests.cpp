@@ -93,7 +93,9 @@ void expectCell(const rapidjson::Value& expected, const std::string& actual, con
                 bool isStata, const std::string& where) {
     if (expected.IsNull()) {
         // A plain system file keeps system-missing as the lowest double; that is not compared.
-        if (!fixture.plainSav) EXPECT_EQ(actual, "") << where;
+        if (!fixture.plainSav) {
+            EXPECT_EQ(actual, "") << where;
+        }
     } else if (expected.IsNumber()) {
         char* end = nullptr;
         const double value = std::strtod(actual.c_str(), &end);
@@ -145,8 +147,11 @@ void expectMatches(const Fixture& fixture, const TabularImport& result, bool isS
             std::string cell;
             for (const std::size_t column : columns[v]) cell += result.rows[r][column];
             const std::string where = fixture.file + " row " + std::to_string(r + 1) + " " + name;
-            if (fixture.unreadableStrL == name) EXPECT_EQ(cell, "") << where;
-            else expectCell(rows[r][v], cell, fixture, isStata, where);
+            if (fixture.unreadableStrL == name) {
+                EXPECT_EQ(cell, "") << where;
+            } else {
+                expectCell(rows[r][v], cell, fixture, isStata, where);
+            }
             if (fixture.shiftsAfterStrL && r == 0) break;
         }
     }
