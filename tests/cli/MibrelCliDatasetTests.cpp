@@ -75,6 +75,15 @@ TEST_F(MibrelCliDatasetTest, ReadersPrintLabelsAndNotesOfStatisticalFiles) {
     EXPECT_EQ(refused.err.rfind("This .dta file could not be read.", 0), 0u);
 }
 
+TEST_F(MibrelCliDatasetTest, StatsDistPrintsOneNumberPerCall) {
+    EXPECT_EQ(run({"stats", "dist", "studentTPValue", "-2.5", "10"}).out, "0.03144684423660893\n");
+    EXPECT_EQ(run({"stats", "dist", "chiSquareRightTailPValue", "-1", "3"}).out, "nan\n");
+    const CliResult wrongCount = run({"stats", "dist", "logGamma", "1", "2"});
+    EXPECT_NE(wrongCount.status, kExitSuccess);
+    EXPECT_NE(wrongCount.err.find("studentizedRangeQuantile p k df"), std::string::npos);
+    EXPECT_NE(run({"stats", "dist", "logGamma", "one"}).status, kExitSuccess);
+}
+
 TEST_F(MibrelCliDatasetTest, ClassifyScaleTakesQuestionTexts) {
     writeText(folder / "questions.json", R"({"id": "Your email address"})");
     const CliResult result =

@@ -62,6 +62,7 @@ void ensureEventLoop();
 
 // `dataset import|classify-scale|archive|package`.
 void addDatasetCommands(CLI::App& app, CliContext& context);
+void addStatsCommands(CLI::App& app, CliContext& context);
 // `suggest`.
 void addSuggestCommand(CLI::App& app, CliContext& context);
 // `import media`, `transcribe`, `helper call` and `media duration`.

@@ -61,6 +61,7 @@ int runMibrelCli(int argc, const char* const* argv, std::ostream& out, std::ostr
     addDevCommands(app, context);
     addSuggestCommand(app, context);
     addDatasetCommands(app, context);
+    addStatsCommands(app, context);
 
     try {
         app.parse(argc, argv);
