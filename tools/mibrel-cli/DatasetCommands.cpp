@@ -33,13 +33,20 @@ ImportedDataset importDataset(const std::string& typed) {
     }
 }
 
-// What a statistical-package reader found, labels and notes included, before any dataset.
+// A command printing what a statistical-package reader found, labels and notes included,
+// before any dataset is built.
 template <typename Reader>
-void printReaderResult(CliContext& context, const std::string& typed, Reader read,
-                       merivante::StatPackageImportError unreadable) {
-    const auto result = read(platform::files::readFile(absolutePath(typed)));
-    if (!result) throw unreadable;
-    printJson(context.out, *result);
+void addReaderCommand(CLI::App& parent, CliContext& context, const std::string& name, const std::string& kind,
+                      Reader read, merivante::StatPackageImportError unreadable) {
+    auto file = std::make_shared<std::string>();
+    addCommand(parent, context, name, "Print everything read from " + kind + " file as JSON",
+               [&context, file, read, unreadable] {
+                   const auto result = read(platform::files::readFile(absolutePath(*file)));
+                   if (!result) throw unreadable;
+                   printJson(context.out, *result);
+               })
+        ->add_option("file", *file, "The " + kind + " file")
+        ->required();
 }
 
 std::vector<std::vector<std::string>> columnsOf(const ImportedDataset& dataset) {
@@ -125,23 +132,10 @@ void addDatasetCommands(CLI::App& app, CliContext& context) {
         ->add_option("file", *file, "The data file")
         ->required();
 
-    auto spssFile = std::make_shared<std::string>();
-    addCommand(*dataset, context, "read-spss", "Print everything read from an SPSS .sav file as JSON",
-               [&context, spssFile] {
-                   printReaderResult(context, *spssFile, merivante::SPSSReader::read,
-                                     merivante::StatPackageImportError::unreadableSPSS());
-               })
-        ->add_option("file", *spssFile, "The .sav file")
-        ->required();
-
-    auto stataFile = std::make_shared<std::string>();
-    addCommand(*dataset, context, "read-stata", "Print everything read from a Stata .dta file as JSON",
-               [&context, stataFile] {
-                   printReaderResult(context, *stataFile, merivante::StataReader::read,
-                                     merivante::StatPackageImportError::unreadableStata());
-               })
-        ->add_option("file", *stataFile, "The .dta file")
-        ->required();
+    addReaderCommand(*dataset, context, "read-spss", "an SPSS .sav", merivante::SPSSReader::read,
+                     merivante::StatPackageImportError::unreadableSPSS());
+    addReaderCommand(*dataset, context, "read-stata", "a Stata .dta", merivante::StataReader::read,
+                     merivante::StatPackageImportError::unreadableStata());
 
     auto classify = std::make_shared<ClassifyOptions>();
     CLI::App* classifyCommand =
