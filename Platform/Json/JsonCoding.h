@@ -176,6 +176,19 @@ struct JsonCoder<std::vector<T>> {
     }
 };
 
+// An element that may be absent, such as a cell of a matrix: absent is written as null.
+template <class T>
+struct JsonCoder<std::optional<T>> {
+    static std::optional<T> decode(const JsonNode& node) {
+        if (node.isNull()) return std::nullopt;
+        return JsonCoder<T>::decode(node);
+    }
+    static void encode(JsonWriter& writer, const std::optional<T>& value) {
+        if (value) JsonCoder<T>::encode(writer, *value);
+        else writer.null();
+    }
+};
+
 // An object whose keys are data, such as counts by name; written in key order.
 template <class T>
 struct JsonCoder<std::map<std::string, T>> {

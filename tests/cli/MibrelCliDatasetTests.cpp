@@ -8,6 +8,8 @@
 #include "MerivanteCore/Dataset/ProjectArchive.h"
 #include "MerivanteCore/Import/ScaleItemClassifier.h"
 #include "MerivanteCore/Import/StataReader.h"
+#include "MerivanteCore/Statistics/GroupComparisonRecords.h"
+#include "MerivanteCore/Statistics/ReliabilityRecords.h"
 #include "tests/cli/CliTestSupport.h"
 #include "tests/support/DtaBuilder.h"
 #include "tests/support/SavBuilder.h"
@@ -82,6 +84,49 @@ TEST_F(MibrelCliDatasetTest, StatsDistPrintsOneNumberPerCall) {
     EXPECT_NE(wrongCount.status, kExitSuccess);
     EXPECT_NE(wrongCount.err.find("studentizedRangeQuantile p k df"), std::string::npos);
     EXPECT_NE(run({"stats", "dist", "logGamma", "one"}).status, kExitSuccess);
+}
+
+TEST_F(MibrelCliDatasetTest, StatsCommandsAnalyseColumnsOfADataFile) {
+    const auto path = folder / "study.csv";
+    writeText(path, "site,score,q1,q2,q3\n"
+                    "North,4.1,4,5,4\nNorth,5.0,3,4,3\nNorth,4.4,5,5,\nNorth,3.9,2,3,2\n"
+                    "South,6.2,4,4,5\nSouth,7.1,3,3,3\nSouth,6.6,1,2,1\nNA,9,5,4,5\n");
+    const std::string file = path.string();
+
+    const CliResult compared = run({"stats", "compare", file, "--outcome", "score", "--group", "site",
+                                    "--missing-rule", "complete cases"});
+    ASSERT_EQ(compared.status, kExitSuccess) << compared.err;
+    const auto comparison = platform::json::decode<merivante::GroupComparisonAnalysisResult>(compared.out);
+    EXPECT_EQ(comparison.groupSummaries.size(), 2u);
+    EXPECT_EQ(comparison.missingGroupRows, 1);
+    EXPECT_EQ(comparison.methodFile.missingDataRule, "complete cases");
+    EXPECT_EQ(comparison.methodFile.outcomeVariable, "score");
+
+    // Text outcomes leave no group with values: the readiness says why, and the command fails.
+    const CliResult blocked = run({"stats", "compare", file, "--outcome", "site", "--group", "q1"});
+    EXPECT_NE(blocked.status, kExitSuccess);
+    EXPECT_NE(blocked.out.find("\"status\": \"blocked\""), std::string::npos);
+    EXPECT_NE(blocked.err.find("ANOVA needs at least two groups with two or more valid outcome values."),
+              std::string::npos);
+    const CliResult unknown = run({"stats", "compare", file, "--outcome", "score", "--group", "region"});
+    EXPECT_NE(unknown.status, kExitSuccess);
+    EXPECT_NE(unknown.err.find("The dataset has no column named \u201cregion\u201d."), std::string::npos);
+
+    const CliResult reliability = run({"stats", "reliability", file, "--items", "q1,q2,q3", "--rule",
+                                       "available-item-mean", "--method", "sum", "--min-completion", "0.6"});
+    ASSERT_EQ(reliability.status, kExitSuccess) << reliability.err;
+    const auto alpha = platform::json::decode<merivante::ReliabilityResult>(reliability.out);
+    EXPECT_EQ(alpha.casesUsed, 8);
+    EXPECT_EQ(alpha.itemNames, (std::vector<std::string>{"q1", "q2", "q3"}));
+    EXPECT_EQ(alpha.methodMetadata->scaleScoreMethod, merivante::ScaleScoreMethod::sum);
+    EXPECT_NE(run({"stats", "reliability", file, "--items", "q1,q2", "--rule", "pairwise"}).status, kExitSuccess);
+
+    const CliResult omega = run({"stats", "omega", file, "--items", "q1,q2,q3"});
+    ASSERT_EQ(omega.status, kExitSuccess) << omega.err;
+    EXPECT_EQ(platform::json::decode<merivante::OmegaReliabilityResult>(omega.out).casesUsed, 7);
+    const CliResult oneItem = run({"stats", "omega", file, "--items", "q1"});
+    EXPECT_NE(oneItem.status, kExitSuccess);
+    EXPECT_NE(oneItem.err.find("McDonald omega needs at least two item columns."), std::string::npos);
 }
 
 TEST_F(MibrelCliDatasetTest, ClassifyScaleTakesQuestionTexts) {

@@ -11,6 +11,10 @@
 #include "MibrelCore/Storage/TeskProjectManifest.h"
 #include "Platform/Json/JsonCoding.h"
 
+namespace merivante {
+struct ImportedDataset;
+}
+
 namespace mibrel::cli {
 
 // What a command needs besides its arguments: where to print, and a slot for the
@@ -59,6 +63,9 @@ void addAnalyzeCommands(CLI::App& app, CliContext& context);
 // Background work reports back through the event loop, as in the window: commands that
 // wait for it make sure there is one.
 void ensureEventLoop();
+
+// Any data file the importers read (.csv, .txt, .xlsx, .sav, .dta, .mvkb, .mvkbfield).
+merivante::ImportedDataset importDataset(const std::string& typed);
 
 // `dataset import|classify-scale|archive|package`.
 void addDatasetCommands(CLI::App& app, CliContext& context);

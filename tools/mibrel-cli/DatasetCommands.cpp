@@ -18,7 +18,6 @@
 #include "tools/mibrel-cli/CliCommand.h"
 
 namespace mibrel::cli {
-namespace {
 
 using merivante::ImportedDataset;
 
@@ -32,6 +31,8 @@ ImportedDataset importDataset(const std::string& typed) {
                                      : "The file has a quoted field that is never closed.");
     }
 }
+
+namespace {
 
 // A command printing what a statistical-package reader found, labels and notes included,
 // before any dataset is built.
