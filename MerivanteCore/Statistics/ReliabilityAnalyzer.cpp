@@ -37,36 +37,41 @@ std::vector<std::optional<double>> filled(const std::vector<std::optional<double
     return result;
 }
 
-// Prepared rows only, where every cell is present.
-std::vector<double> column(const ItemMatrix& rows, std::size_t item) {
-    std::vector<double> values;
-    for (const auto& row : rows) values.push_back(*row[item]);
-    return values;
-}
+// Complete rows held by item: every statistic walks columns, and one copy serves them all.
+using Columns = std::vector<std::vector<double>>;
 
-std::vector<double> totals(const ItemMatrix& rows, std::optional<std::size_t> leftOut = std::nullopt) {
-    std::vector<double> values;
+// The rows whose cells are all present, apart from `leftOut`, which is dropped.
+Columns completeColumns(const ItemMatrix& rows, std::size_t width, std::optional<std::size_t> leftOut = std::nullopt) {
+    Columns columns(width);
     for (const auto& row : rows) {
-        double total = 0;
-        for (std::size_t item = 0; item < row.size(); ++item) total += item == leftOut ? 0 : *row[item];
-        values.push_back(total);
+        bool complete = true;
+        for (std::size_t item = 0; item < width && complete; ++item)
+            complete = item == leftOut || (item < row.size() && isPresent(row[item]));
+        if (!complete) continue;
+        for (std::size_t item = 0; item < width; ++item)
+            if (item != leftOut) columns[item].push_back(*row[item]);
+    }
+    if (leftOut) columns.erase(columns.begin() + static_cast<std::ptrdiff_t>(*leftOut));
+    return columns;
+}
+
+std::vector<double> totals(const Columns& columns, std::optional<std::size_t> leftOut = std::nullopt) {
+    std::vector<double> values(columns.empty() ? 0 : columns.front().size(), 0.0);
+    for (std::size_t item = 0; item < columns.size(); ++item) {
+        if (item == leftOut) continue;
+        for (std::size_t row = 0; row < values.size(); ++row) values[row] += columns[item][row];
     }
     return values;
 }
 
-ItemMatrix withoutItem(ItemMatrix matrix, std::size_t item) {
-    for (auto& row : matrix) {
-        if (item < row.size()) row.erase(row.begin() + static_cast<std::ptrdiff_t>(item));
-    }
-    return matrix;
-}
-
-std::optional<double> alphaOfCompleteRows(const ItemMatrix& rows) {
-    const std::size_t items = rows.empty() ? 0 : rows.front().size();
-    if (rows.size() < 2 || items < 2) return std::nullopt;
+std::optional<double> alphaOfColumns(const Columns& columns, std::optional<std::size_t> leftOut = std::nullopt) {
+    const std::size_t items = columns.size() - (leftOut ? 1 : 0);
+    const std::size_t rows = columns.empty() ? 0 : columns.front().size();
+    if (rows < 2 || items < 2) return std::nullopt;
     double itemVariances = 0;
-    for (std::size_t item = 0; item < items; ++item) itemVariances += *Descriptives::sampleVariance(column(rows, item));
-    const double totalVariance = *Descriptives::sampleVariance(totals(rows));
+    for (std::size_t item = 0; item < columns.size(); ++item)
+        if (item != leftOut) itemVariances += *Descriptives::sampleVariance(columns[item]);
+    const double totalVariance = *Descriptives::sampleVariance(totals(columns, leftOut));
     if (!(totalVariance > 0)) return std::nullopt;
     const double k = static_cast<double>(items);
     const double alpha = k / (k - 1) * (1 - itemVariances / totalVariance);
@@ -78,24 +83,22 @@ std::int64_t missingCount(const ItemMatrix& rows, std::size_t item) {
 }
 
 std::vector<ReliabilityItemStatistic> itemStatistics(const std::vector<std::string>& itemNames,
-                                                     const ItemMatrix& rows, const ItemMatrix& prepared) {
-    const std::vector<std::optional<double>> withoutEach = alphaIfDeleted(prepared);
+                                                     const ItemMatrix& rows, const Columns& prepared) {
     std::vector<ReliabilityItemStatistic> statistics;
     for (std::size_t item = 0; item < itemNames.size(); ++item) {
-        const std::vector<double> values = column(prepared, item);
+        const std::vector<double>& values = prepared[item];
         const auto corrected = itemNames.size() >= 2 ? Descriptives::pearson(values, totals(prepared, item))
                                                      : std::nullopt;
         statistics.push_back({itemNames[item], finite(Descriptives::mean(values)),
                               finite(Descriptives::sampleStandardDeviation(values)), missingCount(rows, item),
-                              corrected, item < withoutEach.size() ? withoutEach[item] : std::nullopt});
+                              corrected, alphaOfColumns(prepared, item)});
     }
     return statistics;
 }
 
 // An item that does not vary has no correlations, not even with itself.
-std::vector<std::vector<std::optional<double>>> correlationMatrix(const ItemMatrix& prepared, std::size_t items) {
-    std::vector<std::vector<double>> columns;
-    for (std::size_t item = 0; item < items; ++item) columns.push_back(column(prepared, item));
+std::vector<std::vector<std::optional<double>>> correlationMatrix(const Columns& columns) {
+    const std::size_t items = columns.size();
     std::vector<std::vector<std::optional<double>>> matrix(items, std::vector<std::optional<double>>(items));
     for (std::size_t i = 0; i < items; ++i) {
         for (std::size_t j = 0; j < items; ++j) {
@@ -167,13 +170,14 @@ ItemMatrix preparedRows(const ItemMatrix& matrix, ReliabilityMissingDataRule mis
 }
 
 std::optional<double> cronbachAlpha(const ItemMatrix& matrix) {
-    return alphaOfCompleteRows(preparedRows(matrix, ReliabilityMissingDataRule::listwiseDeletion, 1));
+    return alphaOfColumns(completeColumns(matrix, widthOf(matrix)));
 }
 
+// Without an item, a row missing only that item is complete again.
 std::vector<std::optional<double>> alphaIfDeleted(const ItemMatrix& matrix) {
     std::vector<std::optional<double>> alphas;
-    for (std::size_t item = 0; item < widthOf(matrix); ++item)
-        alphas.push_back(cronbachAlpha(withoutItem(matrix, item)));
+    const std::size_t width = widthOf(matrix);
+    for (std::size_t item = 0; item < width; ++item) alphas.push_back(alphaOfColumns(completeColumns(matrix, width, item)));
     return alphas;
 }
 
@@ -240,9 +244,10 @@ ReliabilityResult analyze(std::string constructName, std::vector<std::string> it
     result.casesUsed = static_cast<std::int64_t>(prepared.size());
     result.missingDataRule = missingDataRule;
     result.readiness = readiness(result.itemNames, matrix, missingDataRule, minimumItemCompletion);
-    result.alpha = alphaOfCompleteRows(prepared);
-    result.itemStatistics = itemStatistics(result.itemNames, rows, prepared);
-    result.interItemCorrelationMatrix = correlationMatrix(prepared, result.itemNames.size());
+    const Columns columns = completeColumns(prepared, result.itemNames.size());
+    result.alpha = alphaOfColumns(columns);
+    result.itemStatistics = itemStatistics(result.itemNames, rows, columns);
+    result.interItemCorrelationMatrix = correlationMatrix(columns);
     result.averageInterItemCorrelation = averageAboveDiagonal(result.interItemCorrelationMatrix);
     addScaleScoreSummary(result, rows, scaleScoreMethod, minimumItemCompletion);
     const auto itemCount = static_cast<std::int64_t>(result.itemNames.size());
