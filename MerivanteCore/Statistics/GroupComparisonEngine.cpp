@@ -52,7 +52,7 @@ bool skewFlag(const GroupSummary& summary) {
     return distinct.size() < 8 || std::abs(skewness(summary.validValues)) > 2 || hasIQRFlag(summary.validValues);
 }
 
-std::vector<AnalysisReadinessIssue> readinessIssues(const GroupedOutcome& grouped) {
+std::vector<AnalysisReadinessIssue> readinessIssues(const GroupedOutcome& grouped, const GroupFlags& found) {
     using enum AnalysisReadinessStatus;
     std::vector<AnalysisReadinessIssue> issues;
     if (grouped.pairedRows == 0) issues.push_back({blocked, "No paired outcome/group rows are available."});
@@ -70,7 +70,6 @@ std::vector<AnalysisReadinessIssue> readinessIssues(const GroupedOutcome& groupe
     if (grouped.missingGroupRows >= 1)
         issues.push_back({caution, std::to_string(grouped.missingGroupRows) +
                                        " rows have missing group values and will be excluded."});
-    const GroupFlags found = flags(grouped.summaries);
     if (found.missingDataImbalance) issues.push_back({caution, "Missing outcome data are imbalanced across groups."});
     if (found.unevenSizes) issues.push_back({caution, "Group sizes are uneven."});
     if (found.varianceRatioAboveFour)
@@ -79,10 +78,11 @@ std::vector<AnalysisReadinessIssue> readinessIssues(const GroupedOutcome& groupe
     return issues;
 }
 
-AnalysisReadiness readinessOf(const GroupedOutcome& grouped) {
+AnalysisReadiness readinessOf(const GroupedOutcome& grouped, const GroupFlags& found) {
     return AnalysisReadiness::make("at least two groups with at least two valid outcome values each",
                                    grouped.pairedRows, grouped.validCases(),
-                                   static_cast<std::int64_t>(grouped.validGroups().size()), readinessIssues(grouped));
+                                   static_cast<std::int64_t>(grouped.validGroups().size()),
+                                   readinessIssues(grouped, found));
 }
 
 struct Selection {
@@ -216,7 +216,8 @@ GroupFlags flags(std::span<const GroupSummary> summaries) {
 
 AnalysisReadiness readiness(std::string_view, std::string_view, std::span<const std::string> groupValues,
                             std::span<const std::optional<double>> outcomeValues) {
-    return readinessOf(group(groupValues, outcomeValues));
+    const GroupedOutcome grouped = group(groupValues, outcomeValues);
+    return readinessOf(grouped, flags(grouped.summaries));
 }
 
 std::optional<GroupComparisonAnalysisResult> analyze(const std::string& outcomeName, const std::string& groupName,
@@ -224,8 +225,10 @@ std::optional<GroupComparisonAnalysisResult> analyze(const std::string& outcomeN
                                                      std::span<const std::optional<double>> outcomeValues,
                                                      const std::string& missingDataRule) {
     const GroupedOutcome grouped = group(groupValues, outcomeValues);
+    // The flags look at every value (distinct counts, quartiles): worked out once for readiness and warnings.
+    const GroupFlags found = flags(grouped.summaries);
     GroupComparisonAnalysisResult result;
-    result.readiness = readinessOf(grouped);
+    result.readiness = readinessOf(grouped, found);
     if (grouped.pairedRows == 0 || result.readiness.status == AnalysisReadinessStatus::blocked) return std::nullopt;
     const std::vector<NamedNumericGroup> groups = grouped.validGroups();
     result.outcomeName = outcomeName;
@@ -254,7 +257,6 @@ std::optional<GroupComparisonAnalysisResult> analyze(const std::string& outcomeN
     }
     result.bonferroniComparisons = pairwiseTTests(groups, PostHocMethod::bonferroniPairwiseT, equalVariances);
 
-    const GroupFlags found = flags(grouped.summaries);
     result.effectSizes = effectSizes(result);
     result.warnings = warnings({grouped, found, decision, bfP});
     result.interpretation = interpretation(result, found);
