@@ -1,13 +1,20 @@
 #include "MibrelCore/Import/DocxArchive.h"
-#include "Platform/Compression/ZipLocalEntries.h"
+#include "MibrelCore/Import/DocxParagraphCollector.h"
+#include "Platform/Compression/ZipCentralDirectory.h"
+#include "Platform/Xml/XmlParser.h"
 #include "fuzz/FuzzInput.h"
 
-// The Word walk as it reads a document, without the file: find the body, inflate it.
+// The Word walk as it reads a document, without the file: the local headers, the central
+// directory for streamed entries, the whole inflate under its bound, and the paragraphs.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto entry = platform::compression::findLocalEntry(mibrel::fuzz::bytesOf(data, size), "word/document.xml");
-    if (!entry || entry->method != 8) return 0;
+    const std::string_view bytes = mibrel::fuzz::bytesOf(data, size);
+    if (const auto directory = platform::compression::ZipCentralDirectory::read(bytes)) {
+        (void)directory->find("word/document.xml");
+    }
     try {
-        (void)mibrel::DocxArchive::inflateDeflate(std::string(entry->data));
+        const std::string xml = mibrel::DocxArchive::entryDataFromBytes("word/document.xml", bytes);
+        mibrel::DocxParagraphCollector collector;
+        (void)platform::xml::parse(xml, collector);
     } catch (const mibrel::DocxArchive::ArchiveError&) {
     }
     return 0;

@@ -17,6 +17,7 @@
 #include "MerivanteCore/Import/WorkbookSheetParser.h"
 #include "MerivanteCore/Import/WorksheetParser.h"
 #include "MerivanteCore/Import/XLSXImportError.h"
+#include "Platform/Compression/ZipFileRead.h"
 #include "Platform/Files/FileSystem.h"
 #include "Platform/Text/Text.h"
 
@@ -35,7 +36,7 @@ struct FileClose {
 // is an unzip failure in libzip's words.
 class WorkbookArchive {
 public:
-    explicit WorkbookArchive(std::string_view bytes) {
+    explicit WorkbookArchive(std::string_view bytes) : m_limit(platform::compression::unpackLimit(bytes.size())) {
         zip_error_t error;
         zip_error_init(&error);
         m_archive.reset(open(bytes, &error));
@@ -50,7 +51,14 @@ public:
         if (index < 0) return std::nullopt;
         std::unique_ptr<zip_file_t, FileClose> file(zip_fopen_index(m_archive.get(), static_cast<zip_uint64_t>(index), 0));
         if (!file) throw XLSXImportError::unzipFailed(platform::text::trimmed(zip_strerror(m_archive.get())));
-        return contents(file.get());
+        auto unpacked = platform::compression::readZipFile(file.get(), m_limit);
+        switch (unpacked.status) {
+        case platform::compression::Unpacked::Status::complete: return std::move(unpacked.bytes);
+        case platform::compression::Unpacked::Status::tooLarge:
+            throw XLSXImportError::unzipFailed("Its part " + name + " unpacks to far more than any workbook holds.");
+        case platform::compression::Unpacked::Status::corrupt: break;
+        }
+        throw XLSXImportError::unzipFailed(platform::text::trimmed(zip_file_strerror(file.get())));
     }
 
 private:
@@ -68,19 +76,8 @@ private:
         return archive;
     }
 
-    // Grown as the data arrives: the size an entry's header claims may be a lie.
-    static std::string contents(zip_file_t* file) {
-        std::string text;
-        char buffer[64 * 1024];
-        for (;;) {
-            const zip_int64_t count = zip_fread(file, buffer, sizeof buffer);
-            if (count < 0) throw XLSXImportError::unzipFailed(platform::text::trimmed(zip_file_strerror(file)));
-            if (count == 0) return text;
-            text.append(buffer, static_cast<std::size_t>(count));
-        }
-    }
-
     std::unique_ptr<zip_t, ArchiveDiscard> m_archive;
+    std::size_t m_limit; // what one part may unpack to
 };
 
 // A relationship target as a part name: from the package root when it starts with "/",

@@ -12,17 +12,7 @@ namespace {
 
 constexpr std::uint16_t kStored = 0;
 constexpr std::uint16_t kDeflated = 8;
-constexpr std::size_t kMinimumCapacity = 65536;
-// DEFLATE cannot expand its input by much more than 1032 to 1, so a declared size beyond
-// that is a lie, and believing it would allocate up to 4 GiB for a tiny entry.
-constexpr std::size_t kLargestExpansion = 1032;
-// The inflater counts in 32 bits, and one byte is kept beyond the capacity (see below).
-constexpr std::size_t kLargestCapacity = 0xFFFFFFFEu;
-
-std::size_t inflateCapacity(std::size_t compressedSize, std::size_t declaredSize) {
-    const std::size_t possible = compressedSize * kLargestExpansion + kMinimumCapacity;
-    return std::min(kLargestCapacity, std::max(kMinimumCapacity, std::min(declaredSize, possible)));
-}
+constexpr std::uint64_t kMinimumCapacity = 65536;
 
 } // namespace
 
@@ -31,12 +21,13 @@ std::optional<std::string> ZipStore::extract(std::string_view data, std::string_
     if (!entry) return std::nullopt;
     if (entry->method == kStored) return std::string(entry->data);
     if (entry->method != kDeflated) return std::nullopt;
-    const std::size_t capacity = inflateCapacity(entry->data.size(), entry->uncompressedSize);
-    // The inflater cuts what does not fit; one byte of room more shows an entry that holds
-    // more than its header admits, which is refused rather than returned cut.
-    std::string inflated = platform::compression::inflateRaw(entry->data, capacity + 1);
-    if (inflated.empty() || inflated.size() > capacity) return std::nullopt;
-    return inflated;
+    // The buffer is the declared size (at least 64 KiB), within the bound every archive
+    // reader keeps; an entry holding more than that is refused rather than returned cut.
+    const std::size_t capacity = static_cast<std::size_t>(std::min<std::uint64_t>(
+        platform::compression::unpackLimit(data.size()), std::max(kMinimumCapacity, entry->uncompressedSize)));
+    auto unpacked = platform::compression::inflateWhole(entry->data, capacity, entry->uncompressedSize);
+    if (!unpacked.isComplete()) return std::nullopt;
+    return std::move(unpacked.bytes);
 }
 
 } // namespace merivante

@@ -1,7 +1,5 @@
 #include "MibrelCore/Import/DocxArchive.h"
 
-#include <algorithm>
-
 #include "Platform/Compression/RawInflate.h"
 #include "Platform/Compression/ZipLocalEntries.h"
 #include "Platform/Files/FileSystem.h"
@@ -9,13 +7,31 @@
 namespace mibrel::DocxArchive {
 namespace {
 
-constexpr int kInflateAttempts = 6;
-constexpr std::size_t kMinimumCapacity = 4096;
+using platform::compression::Unpacked;
 
-// What the user sees for these errors: the generic words for an error of this type.
+// Word's own encryption, and the .doc format before it, keep the document in an OLE
+// compound file, which starts with these bytes.
+constexpr std::string_view kCompoundFileSignature("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
+
+constexpr std::string_view kSaveAgain =
+    " Open it in your word processor and save it again as .docx, or export it as .txt.";
+
 std::string describe(ArchiveError::Kind kind) {
-    return "The operation couldn’t be completed. (MibrelCore.DocxArchive.ArchiveError error " +
-           std::to_string(static_cast<int>(kind)) + ".)";
+    switch (kind) {
+    case ArchiveError::Kind::unreadable:
+        return std::string("This Word file is damaged: its text cannot be unpacked.").append(kSaveAgain);
+    case ArchiveError::Kind::missingEntry:
+        return std::string("This Word file is damaged or not a Word document.").append(kSaveAgain);
+    case ArchiveError::Kind::unsupportedCompression:
+        return std::string("This Word file is packed in a way Mibrel cannot read.").append(kSaveAgain);
+    case ArchiveError::Kind::entryTooLarge:
+        return "This Word file unpacks to far more than any document holds, so it was not read. It may be "
+               "damaged; open it in your word processor and export it as .txt.";
+    case ArchiveError::Kind::protectedOrLegacy:
+        return "This Word file is protected by a password, or is an older .doc file. Remove the password, or "
+               "save it as .docx, in your word processor; or export it as .txt.";
+    }
+    return {};
 }
 
 } // namespace
@@ -23,21 +39,29 @@ std::string describe(ArchiveError::Kind kind) {
 ArchiveError::ArchiveError(Kind kind) : std::runtime_error(describe(kind)), m_kind(kind) {}
 
 std::string entryData(const std::string& name, const std::filesystem::path& location) {
-    const std::string file = platform::files::readFile(location);
-    const auto entry = platform::compression::findLocalEntry(file, name);
-    if (!entry) throw ArchiveError(ArchiveError::Kind::missingEntry);
+    return entryDataFromBytes(name, platform::files::readFile(location));
+}
+
+std::string entryDataFromBytes(const std::string& name, std::string_view archive) {
+    const auto entry = platform::compression::findLocalEntry(archive, name);
+    if (!entry) {
+        const bool compound = archive.substr(0, kCompoundFileSignature.size()) == kCompoundFileSignature;
+        throw ArchiveError(compound ? ArchiveError::Kind::protectedOrLegacy : ArchiveError::Kind::missingEntry);
+    }
     if (entry->method == 0) return std::string(entry->data);
-    if (entry->method == 8) return inflateDeflate(std::string(entry->data));
+    if (entry->method == 8) {
+        return inflateDeflate(entry->data, platform::compression::unpackLimit(archive.size()), entry->uncompressedSize);
+    }
     throw ArchiveError(ArchiveError::Kind::unsupportedCompression);
 }
 
-std::string inflateDeflate(const std::string& compressed) {
-    if (compressed.empty()) throw ArchiveError(ArchiveError::Kind::unreadable);
-    std::size_t capacity = std::max(compressed.size() * 4, kMinimumCapacity);
-    for (int attempt = 0; attempt < kInflateAttempts; ++attempt) {
-        std::string inflated = platform::compression::inflateRaw(compressed, capacity);
-        if (!inflated.empty()) return inflated;
-        capacity *= 2;
+std::string inflateDeflate(std::string_view compressed, std::size_t limit, std::uint64_t sizeHint) {
+    if (limit == 0) limit = platform::compression::unpackLimit(compressed.size());
+    Unpacked unpacked = platform::compression::inflateWhole(compressed, limit, sizeHint);
+    switch (unpacked.status) {
+    case Unpacked::Status::complete: return std::move(unpacked.bytes);
+    case Unpacked::Status::tooLarge: throw ArchiveError(ArchiveError::Kind::entryTooLarge);
+    case Unpacked::Status::corrupt: break;
     }
     throw ArchiveError(ArchiveError::Kind::unreadable);
 }

@@ -1,16 +1,27 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 // Reads one entry of a Word document's ZIP container by walking its local file headers
-// from the start; the central directory is never read.
+// from the start; entries written in streaming mode take their sizes from the central
+// directory.
 namespace mibrel::DocxArchive {
 
+// Each kind tells the researcher what went wrong and what to do about it.
 class ArchiveError : public std::runtime_error {
 public:
-    enum class Kind { unreadable, missingEntry, unsupportedCompression };
+    enum class Kind {
+        unreadable,             // the entry's data cannot be unpacked
+        missingEntry,           // no such entry: damaged, or not a Word document
+        unsupportedCompression, // packed by a method other than stored or DEFLATE
+        entryTooLarge,          // it would unpack beyond any real document's size
+        protectedOrLegacy,      // an encrypted document, or an old .doc, in a compound file
+    };
 
     explicit ArchiveError(Kind kind);
     Kind kind() const { return m_kind; }
@@ -19,12 +30,16 @@ private:
     Kind m_kind;
 };
 
-// The entry's bytes. Throws ArchiveError, or FileError when the file cannot be read.
+// The entry's bytes, unpacked whole. Throws ArchiveError, or FileError when the file cannot
+// be read.
 std::string entryData(const std::string& name, const std::filesystem::path& location);
 
-// Inflates a raw DEFLATE stream into a buffer of four times its size (at least 4 KiB),
-// doubling only when decoding fails, six attempts at most. Output that does not fit the
-// buffer is cut there. Throws ArchiveError::unreadable.
-std::string inflateDeflate(const std::string& compressed);
+// The same, from the archive's bytes already in memory.
+std::string entryDataFromBytes(const std::string& name, std::string_view archive);
+
+// Inflates a whole raw DEFLATE stream. Throws ArchiveError: `unreadable` when it is empty,
+// damaged or cut short, `entryTooLarge` beyond `limit` bytes (by default the bound for an
+// archive the size of the input).
+std::string inflateDeflate(std::string_view compressed, std::size_t limit = 0, std::uint64_t sizeHint = 0);
 
 } // namespace mibrel::DocxArchive

@@ -6,6 +6,7 @@
 #include <zip.h>
 
 #include "MibrelCore/Import/XLSXParsers.h"
+#include "Platform/Compression/ZipFileRead.h"
 #include "Platform/Files/FileSystem.h"
 #include "Platform/Text/Text.h"
 #include "Platform/Text/TextDecoding.h"
@@ -15,9 +16,15 @@ namespace {
 
 using Rows = std::vector<std::vector<std::string>>;
 
-std::string describe(ImportError::Kind kind) {
-    return kind == ImportError::Kind::unreadable ? "Could not read this file. Export it as .csv and try again."
-                                                 : "This file has no data rows.";
+std::string describe(ImportError::Kind kind, std::int64_t line) {
+    switch (kind) {
+    case ImportError::Kind::unreadable: return "Could not read this file. Export it as .csv and try again.";
+    case ImportError::Kind::empty: return "This file has no data rows.";
+    case ImportError::Kind::unclosedQuote:
+        return "A quoted cell in this file never closes: the quote mark on line " + std::to_string(line) +
+               " has no partner. Fix that line, or export the table as .csv again.";
+    }
+    return {};
 }
 
 std::string readText(const std::filesystem::path& location) {
@@ -27,7 +34,7 @@ std::string readText(const std::filesystem::path& location) {
     } catch (const platform::files::FileError&) {
         throw ImportError(ImportError::Kind::unreadable);
     }
-    auto text = platform::text::decodeText(bytes);
+    auto text = platform::text::decodeDocumentText(bytes);
     if (!text) throw ImportError(ImportError::Kind::unreadable);
     return *text;
 }
@@ -47,11 +54,17 @@ Table tableFromRows(Rows rows) {
     return table;
 }
 
+bool isLineEnd(std::string_view character) {
+    return character == "\n" || character == "\r\n" || character == "\r";
+}
+
 // The delimited reader's state as it walks the text.
 struct DelimitedWalk {
     std::string_view delimiter;
     bool inQuotes = false;
     bool stepOverQuote = false; // the second quote of a doubled pair inside quotes
+    std::int64_t line = 1;      // of the file, counting breaks inside quotes too
+    std::int64_t quoteLine = 0; // where the open quote began
     std::string cell;
     std::vector<std::string> row;
     Rows rows;
@@ -69,13 +82,14 @@ struct DelimitedWalk {
 
     // `next` is the character after this one, or empty at the end.
     void take(std::string_view character, std::string_view next) {
+        if (isLineEnd(character)) ++line;
         if (stepOverQuote) {
             stepOverQuote = false;
             return;
         }
         if (inQuotes) {
             if (character != "\"") {
-                cell += character;
+                cell += character; // a line break inside quotes stays as the file has it
             } else if (next == "\"") {
                 cell += '"';
                 stepOverQuote = true;
@@ -84,23 +98,46 @@ struct DelimitedWalk {
             }
         } else if (character == "\"") {
             inQuotes = true;
+            quoteLine = line;
         } else if (character == delimiter) {
             endCell();
-        } else if (character == "\n") {
-            endRow();
-        } else if (character != "\r") {
-            cell += character; // a CR LF pair is one character, and lands here
+        } else if (isLineEnd(character)) {
+            endRow(); // LF, CR LF and a lone CR alike: the line ends of every platform
+        } else {
+            cell += character;
         }
     }
 
+    // A quote left open would have swallowed the rest of the file into one cell.
     void finish() {
+        if (inQuotes) throw ImportError(ImportError::Kind::unclosedQuote, quoteLine);
         if (!cell.empty() || !row.empty()) endRow();
     }
 };
 
+// Spreadsheets in many locales write ".csv" with semicolons, and some exports with tabs:
+// the first line decides, by which separator it holds most of outside quotes.
+std::string_view csvDelimiter(std::string_view text) {
+    std::size_t commas = 0;
+    std::size_t semicolons = 0;
+    std::size_t tabs = 0;
+    bool quoted = false;
+    for (const char byte : text) {
+        if (byte == '"') quoted = !quoted;
+        if (quoted) continue;
+        if (byte == '\n' || byte == '\r') break;
+        commas += byte == ',';
+        semicolons += byte == ';';
+        tabs += byte == '\t';
+    }
+    if (semicolons > commas && semicolons >= tabs) return ";";
+    if (tabs > commas && tabs > semicolons) return "\t";
+    return ",";
+}
+
 } // namespace
 
-ImportError::ImportError(Kind kind) : std::runtime_error(describe(kind)), m_kind(kind) {}
+ImportError::ImportError(Kind kind, std::int64_t line) : std::runtime_error(describe(kind, line)), m_kind(kind) {}
 
 std::optional<std::int64_t> Table::suggestedTextColumn() const {
     if (headers.empty() || rows.empty()) return std::nullopt;
@@ -126,7 +163,10 @@ std::optional<std::int64_t> Table::suggestedTextColumn() const {
 
 Table table(const std::filesystem::path& location) {
     const std::string extension = platform::files::lowercasedExtension(location);
-    if (extension == "csv") return tableFromDelimited(readText(location), ",");
+    if (extension == "csv") {
+        const std::string text = readText(location);
+        return tableFromDelimited(text, csvDelimiter(text));
+    }
     if (extension == "tsv") return tableFromDelimited(readText(location), "\t");
     if (extension == "xlsx") return xlsxTable(location);
     throw ImportError(ImportError::Kind::unreadable);
@@ -168,19 +208,17 @@ std::int64_t columnIndex(std::string_view cellReference) {
 }
 
 std::optional<std::string> unzipEntry(const std::filesystem::path& location, const std::string& entry) {
+    std::error_code sizeError;
+    const auto archiveSize = std::filesystem::file_size(location, sizeError);
+    if (sizeError) return std::nullopt;
     int error = 0;
     std::unique_ptr<zip_t, decltype(&zip_discard)> archive(zip_open(location.c_str(), ZIP_RDONLY, &error), zip_discard);
     if (!archive) return std::nullopt;
-    zip_stat_t info;
-    zip_stat_init(&info);
-    if (zip_stat(archive.get(), entry.c_str(), 0, &info) != 0 || !(info.valid & ZIP_STAT_SIZE) || info.size == 0) {
-        return std::nullopt;
-    }
     std::unique_ptr<zip_file_t, decltype(&zip_fclose)> file(zip_fopen(archive.get(), entry.c_str(), 0), zip_fclose);
     if (!file) return std::nullopt;
-    std::string data(info.size, '\0');
-    if (zip_fread(file.get(), data.data(), info.size) != static_cast<zip_int64_t>(info.size)) return std::nullopt;
-    return data;
+    auto unpacked = platform::compression::readZipFile(file.get(), platform::compression::unpackLimit(archiveSize));
+    if (!unpacked.isComplete() || unpacked.bytes.empty()) return std::nullopt;
+    return std::move(unpacked.bytes);
 }
 
 } // namespace mibrel::TeskResponsesImport

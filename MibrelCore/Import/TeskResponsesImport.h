@@ -23,20 +23,24 @@ struct Table {
 
 class ImportError : public std::runtime_error {
 public:
-    enum class Kind { unreadable, empty };
+    enum class Kind { unreadable, empty, unclosedQuote };
 
-    explicit ImportError(Kind kind);
+    // `line` (from 1) is where an unclosed quote opened; the other kinds ignore it.
+    explicit ImportError(Kind kind, std::int64_t line = 0);
     Kind kind() const { return m_kind; }
 
 private:
     Kind m_kind;
 };
 
-// By the lower-cased ending: csv, tsv or xlsx; anything else is unreadable. Throws ImportError.
+// By the lower-cased ending: csv (separated by commas, or by semicolons or tabs where the
+// first line holds more of those), tsv or xlsx; anything else is unreadable. Text files lose
+// a leading byte order mark. Throws ImportError.
 Table table(const std::filesystem::path& location);
 
-// The delimited reader, walking user-perceived characters (so a CR LF pair is one character,
-// which ends no row: a CR LF file without quotes reads as one row and is refused as empty).
+// The delimited reader, walking user-perceived characters. Outside quotes LF, CR LF and a
+// lone CR end a row; inside quotes they stay in the cell. A quote that never closes throws
+// `unclosedQuote` rather than take the rest of the file into one cell.
 Table tableFromDelimited(std::string_view text, std::string_view delimiter);
 
 // The first worksheet ("xl/worksheets/sheet1.xml") with the shared strings resolved.
@@ -45,7 +49,8 @@ Table xlsxTable(const std::filesystem::path& location);
 // "A1" → 0, "Z9" → 25, "AA3" → 26; case does not matter; never below 0.
 std::int64_t columnIndex(std::string_view cellReference);
 
-// An entry of a ZIP archive; absent for a missing entry, an empty one or a broken archive.
+// An entry of a ZIP archive; absent for a missing entry, an empty one, a broken archive, or
+// one that unpacks beyond the bound every archive reader keeps.
 std::optional<std::string> unzipEntry(const std::filesystem::path& location, const std::string& entry);
 
 } // namespace mibrel::TeskResponsesImport

@@ -40,7 +40,7 @@ std::optional<std::string> joinedParagraphs(const std::vector<std::string>& piec
 }
 
 std::string plainText(const std::filesystem::path& location) {
-    auto text = platform::text::decodeText(platform::files::readFile(location));
+    auto text = platform::text::decodeDocumentText(platform::files::readFile(location));
     if (!text) throw ImportError(ImportError::Kind::unreadable);
     return *text;
 }

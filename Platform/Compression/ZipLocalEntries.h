@@ -10,14 +10,15 @@ namespace platform::compression {
 struct ZipLocalEntry {
     std::uint16_t method = 0;           // 0 stored, 8 DEFLATE, anything else as written
     std::string_view data;              // the compressed bytes, inside the walked buffer
-    std::uint32_t uncompressedSize = 0; // as declared by the writer, so not to be trusted
+    std::uint64_t uncompressedSize = 0; // as declared by the writer, so not to be trusted
 };
 
 // Walks the local file headers from the start of the buffer, entry after entry, and
-// returns the first whose name equals `name` byte for byte. The central directory is
-// never read, so an archive whose sizes follow the data (data descriptors) is not
-// walked past its first such entry. A short or foreign header, or sizes that run past
-// the end of the buffer, end the walk with absent.
+// returns the first whose name equals `name` byte for byte. A header that leaves its sizes
+// to a data descriptor behind the data (general-purpose flag bit 3, as streaming writers
+// do) takes them from the central directory entry of the same name, and the walk steps
+// over the descriptor; ZIP64 sizes are read where a header carries them. A short or
+// foreign header, or sizes that run past the end of the buffer, end the walk with absent.
 std::optional<ZipLocalEntry> findLocalEntry(std::string_view archive, std::string_view name);
 
 } // namespace platform::compression

@@ -242,4 +242,11 @@ std::optional<std::string> decodeText(std::string_view bytes) {
     return decodeWithDetection(bytes);
 }
 
+std::optional<std::string> decodeDocumentText(std::string_view bytes) {
+    constexpr std::string_view byteOrderMark("\xEF\xBB\xBF");
+    auto text = decodeText(bytes);
+    if (text && text->starts_with(byteOrderMark)) text->erase(0, byteOrderMark.size());
+    return text;
+}
+
 } // namespace platform::text

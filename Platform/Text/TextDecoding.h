@@ -29,4 +29,8 @@ std::optional<std::string> decodeWithDetection(std::string_view bytes);
 // Strict UTF-8 first; when that fails in any way, detection.
 std::optional<std::string> decodeText(std::string_view bytes);
 
+// `decodeText` without a leading byte order mark: for documents and tables, whose first
+// header or paragraph must not begin with an invisible U+FEFF.
+std::optional<std::string> decodeDocumentText(std::string_view bytes);
+
 } // namespace platform::text

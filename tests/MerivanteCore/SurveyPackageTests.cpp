@@ -15,6 +15,7 @@
 #include "MerivanteCore/Import/MvkbReader.h"
 #include "MerivanteCore/Import/ZipStore.h"
 #include "tests/support/TestSupport.h"
+#include "tests/support/ZipBuilder.h"
 
 namespace merivante {
 namespace {
@@ -121,6 +122,16 @@ TEST(ZipStoreTest, ADeclaredSizeIsNotTrustedBeyondWhatDeflateCanHold) {
     std::string understated = zipOf({{"small.txt", std::string(1000, 'b'), true}});
     patch32(understated, 22, 1);
     EXPECT_EQ(ZipStore::extract(understated, "small.txt"), std::string(1000, 'b'));
+}
+
+// A manifest that would unpack far beyond its archive is refused, not unpacked.
+TEST(ZipStoreTest, AZipBombIsRefused) {
+    const std::string filler(1 << 20, ' ');
+    for (const std::uint64_t declared : {std::uint64_t{0xFFFFFFFFu}, std::uint64_t{filler.size() * 100}}) {
+        const std::string archive = mibrel::testing::zipArchive(
+            {{"manifest.json", "", 8, mibrel::testing::rawDeflateRepeated(filler, 100), declared}});
+        EXPECT_EQ(ZipStore::extract(archive, "manifest.json"), std::nullopt) << declared;
+    }
 }
 
 std::size_t virtualMemorySize() {

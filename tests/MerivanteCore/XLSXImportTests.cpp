@@ -13,6 +13,7 @@
 #include "MerivanteCore/Import/XLSXImporter.h"
 #include "Platform/Json/JsonFields.h"
 #include "tests/support/TestSupport.h"
+#include "tests/support/ZipBuilder.h"
 
 namespace merivante {
 namespace {
@@ -303,6 +304,22 @@ TEST(XLSXImportTest, AnArchiveThatCannotBeReadIsAnUnzipFailure) {
     const auto error = failure(damaged);
     EXPECT_EQ(error.kind(), XLSXImportError::Kind::unzipFailed);
     EXPECT_TRUE(error.errorDescription().starts_with(prefix)) << error.what();
+}
+
+// A small workbook whose sheet would unpack to more than any workbook holds is refused
+// when it passes the bound, before memory runs out.
+TEST(XLSXImportTest, AZipBombIsAnUnzipFailureThatSaysSo) {
+    std::vector<mibrel::testing::ZipBuilderEntry> entries;
+    for (const auto& part : workbookParts({{"Data", headersAndTwoRows}})) entries.push_back({part.name, part.text, 8});
+    const std::string filler = "<row><c t=\"inlineStr\"><is><t>" + std::string(1 << 20, 'a') + "</t></is></c></row>";
+    for (auto& entry : entries) {
+        if (entry.name != "xl/worksheets/sheet1.xml") continue;
+        entry.packed = mibrel::testing::rawDeflateRepeated(filler, 100);
+        entry.declaredSize = filler.size() * 100;
+    }
+    const auto error = failure(mibrel::testing::zipArchive(entries));
+    EXPECT_EQ(error.kind(), XLSXImportError::Kind::unzipFailed);
+    EXPECT_EQ(error.detail(), "Its part xl/worksheets/sheet1.xml unpacks to far more than any workbook holds.");
 }
 
 TEST(XLSXImportTest, MissingOrMalformedPartsAreNamed) {

@@ -10,6 +10,7 @@
 #include "MibrelCore/Import/TeskResponsesImport.h"
 #include "MibrelCore/Import/TeskTranscriptImport.h"
 #include "MibrelCore/Sources/TeskTranscript.h"
+#include "tests/support/TestSupport.h"
 
 namespace mibrel {
 namespace {
@@ -61,20 +62,56 @@ TEST(ImportFixturesTest, WordDocumentsGiveTheirParagraphsWithoutDeletedTextOrFie
     EXPECT_EQ(transcript("python-docx-stored.docx"), fromPythonDocx);
 
     // The tab stops of LibreOffice's paragraph properties fall to the trim; the tracked
-    // deletion and the field instructions leave nothing, the fields' results stay. Its XML
-    // inflates to more than four times its deflated size, so the first buffer cuts it in the
-    // table's second row, and only the paragraphs finished before the cut come through.
-    EXPECT_EQ(transcript("libreoffice-repacked.docx"),
+    // deletion and the field instructions leave nothing, the fields' results stay. As
+    // LibreOffice writes it, streamed, the sizes come from the central directory.
+    const std::string fromLibreOffice = transcript("libreoffice.docx");
+    EXPECT_EQ(fromLibreOffice,
               "Interviewer:\tHow did you start?\n\nParticipant:\tWell, it began at school.\nThen it grew.\n\n"
-              "Recorded 3/1/24, page 1 of 1\n\nQuestion\n\nAnswer");
+              "Recorded 3/1/24, page 1 of 1\n\nQuestion\n\nAnswer\n\nAge\n\n34\n\nEnd of interview.");
+    EXPECT_EQ(transcript("libreoffice-repacked.docx"), fromLibreOffice);
+}
 
-    // As LibreOffice writes it, streamed: the first local header gives a size of 0, the walk
-    // lands inside the data and the document part is never reached.
-    try {
-        transcript("libreoffice.docx");
-        ADD_FAILURE() << "a streamed archive was read";
-    } catch (const DocxArchive::ArchiveError& error) {
-        EXPECT_EQ(error.kind(), DocxArchive::ArchiveError::Kind::missingEntry);
+// Each paragraph of a long document comes through, in order, however far its XML inflates.
+void expectNumberedParagraphs(const std::string& text, std::size_t count, const std::string& label) {
+    const Strings segments = segmentTexts(text);
+    ASSERT_EQ(segments.size(), count) << label;
+    for (std::size_t n = 1; n <= count; ++n) {
+        const std::string number = "(" + std::to_string(n) + ")";
+        const std::string turn = "Turn " + std::to_string(n) + ":";
+        if (!segments[n - 1].starts_with(turn) && segments[n - 1].find(number) == std::string::npos) {
+            ADD_FAILURE() << label << ": paragraph " << n << " reads " << segments[n - 1];
+            return;
+        }
+    }
+}
+
+TEST(ImportFixturesTest, LongWordDocumentsComeInWhole) {
+    // python-docx: 420 speaker turns whose XML inflates to almost six times its packed size.
+    const std::string interview = transcript("python-docx-long.docx");
+    expectNumberedParagraphs(interview, 420, "python-docx");
+    EXPECT_TRUE(segmentTexts(interview).back().starts_with("Participant (420): ")) << interview.substr(interview.size() - 80);
+    // LibreOffice, streamed: 6000 paragraphs in 1.2 MB of XML behind 20 KB of DEFLATE.
+    const std::string numbered = transcript("libreoffice-long.docx");
+    expectNumberedParagraphs(numbered, 6000, "LibreOffice");
+    EXPECT_EQ(segmentTexts(numbered).back(), "Turn 6000: We stayed because the school felt like a family.");
+}
+
+// A Word file cut short anywhere gives its whole text or a sentence, never a part of it.
+TEST(ImportFixturesTest, ATruncatedWordFileIsWholeOrRefused) {
+    for (const std::string name : {"python-docx-long.docx", "libreoffice.docx"}) {
+        const std::string bytes = testing::readText(fixtures / name);
+        const std::string whole = transcript(name);
+        testing::TemporaryDirectory folder;
+        for (std::size_t length = 0; length < bytes.size(); length += 613) {
+            testing::writeText(folder / "cut.docx", bytes.substr(0, length));
+            try {
+                EXPECT_TRUE(TeskTranscriptImport::text(folder / "cut.docx") == whole) << name << " cut at " << length;
+            } catch (const DocxArchive::ArchiveError& error) {
+                EXPECT_TRUE(std::string(error.what()).starts_with("This Word file is damaged")) << error.what();
+            } catch (const TeskTranscriptImport::ImportError& error) {
+                ADD_FAILURE() << name << " cut at " << length << ": " << error.what();
+            }
+        }
     }
 }
 
@@ -115,25 +152,45 @@ TEST(ImportFixturesTest, WorkbooksGiveTheFirstSheetsCellsAsTheyAreStored) {
     EXPECT_EQ(errorShownFor([] { responses("first-sheet-not-sheet1.xlsx"); }), couldNotReadTable);
 }
 
-TEST(ImportFixturesTest, CSVFromLibreOfficeReadsWithLFButNotWithCRLF) {
+TEST(ImportFixturesTest, CSVFromLibreOfficeReadsWithAnyLineEndAndMark) {
     const Rows rows{{"P01", "34", "She said \"it's home\", then laughed.", "68"},
                     {"P02", "", "First line\nsecond line, with a comma", ""},
                     {"P03", "2.5", "Café in Ålesund", ""}};
-    const auto plain = responses("libreoffice.csv");
-    EXPECT_EQ(plain.headers, (Strings{"Participant", "Age", "Answer", "Twice"}));
-    EXPECT_EQ(plain.rows, rows);
+    const Strings headers{"Participant", "Age", "Answer", "Twice"};
+    // LF, a UTF-8 byte order mark, CR LF behind it, and UTF-16 with its mark all read alike.
+    for (const std::string name :
+         {"libreoffice.csv", "libreoffice-bom.csv", "libreoffice-bom-crlf.csv", "libreoffice-utf16.csv"}) {
+        const auto table = responses(name);
+        EXPECT_EQ(table.headers, headers) << name;
+        EXPECT_EQ(table.rows, rows) << name;
+    }
 
-    // The byte order mark is text to the UTF-8 decoding, and no white space to the trim.
-    const auto withMark = responses("libreoffice-bom.csv");
-    EXPECT_EQ(withMark.headers, (Strings{"\xEF\xBB\xBFParticipant", "Age", "Answer", "Twice"}));
-    EXPECT_EQ(withMark.rows, rows);
+    // Calc in a German locale separates with semicolons and writes decimal commas.
+    const auto german = responses("libreoffice-semicolon-de.csv");
+    EXPECT_EQ(german.headers, headers);
+    EXPECT_EQ(german.rows, (Rows{{"P01", "34", "She said \"it's home\", then laughed.", "68"},
+                                 {"P02", "", "First line\nsecond line, with a comma", ""},
+                                 {"P03", "2,5", "Café in Ålesund", ""}}));
+    EXPECT_EQ(german.suggestedTextColumn(), 2);
+}
 
-    const auto utf16 = responses("libreoffice-utf16.csv");
-    EXPECT_EQ(utf16.headers, withMark.headers);
-    EXPECT_EQ(utf16.rows, rows);
-
-    // Outside quotes every CR LF is one character that ends no row: the file is one row.
-    EXPECT_EQ(errorShownFor([] { responses("libreoffice-bom-crlf.csv"); }), "This file has no data rows.");
+// pandas with CR LF, and the two text forms Excel saves: "CSV UTF-8" (a byte order mark) and
+// plain "CSV" (windows-1252). The accents, curly quotes and dashes come through in all three.
+TEST(ImportFixturesTest, CSVFromWindowsProgramsKeepsItsRowsAndAccents) {
+    const Strings headers{"Participant", "Age", "Answer", "Site"};
+    const Rows rows{{"P01", "34.0", "She said \"it’s home\" – then laughed.", "Nord"},
+                    {"P02", "", "First line\nsecond line, with a comma", "Süd"},
+                    {"P03", "2.5", "Café in Ålesund, naïve but größer", "Mitte"}};
+    for (const std::string name : {"pandas-crlf.csv", "excel-csv-utf8.csv", "excel-csv-windows1252.csv"}) {
+        const auto table = responses(name);
+        EXPECT_EQ(table.headers, headers) << name;
+        EXPECT_EQ(table.rows, rows) << name;
+    }
+    // A Windows line break inside a quoted cell stays in the cell, as one line break.
+    const auto inCell = responses("pandas-crlf-in-cell.csv");
+    EXPECT_EQ(inCell.rows.size(), 3u);
+    EXPECT_EQ(inCell.rows[1][2], "First line\r\nsecond line, with a comma");
+    EXPECT_EQ(segmentTexts(inCell.rows[1][2]), (Strings{"First line\nsecond line, with a comma"}));
 }
 
 } // namespace

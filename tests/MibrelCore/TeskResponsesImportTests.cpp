@@ -8,6 +8,7 @@
 #include <zip.h>
 
 #include "tests/support/TestSupport.h"
+#include "tests/support/ZipBuilder.h"
 
 namespace mibrel {
 namespace {
@@ -49,10 +50,51 @@ TEST(TeskResponsesImportTest, DelimitedTextFollowsTheQuoteAndLineRules) {
     EXPECT_EQ(tableFromDelimited("q\tn\nlong answer\t7\textra\n", "\t").rows, (Rows{{"long answer", "7", "extra"}}));
 
     EXPECT_EQ(delimitedFailure("only,headers\n"), ImportError::Kind::empty);
+    EXPECT_EQ(delimitedFailure("only,headers\r\n"), ImportError::Kind::empty);
     EXPECT_EQ(delimitedFailure(""), ImportError::Kind::empty);
-    // Outside quotes a CR LF pair is one character, not a line end: the file is one row.
-    EXPECT_EQ(delimitedFailure("a,b\r\n1,2\r\n"), ImportError::Kind::empty);
     EXPECT_STREQ(ImportError(ImportError::Kind::empty).what(), "This file has no data rows.");
+}
+
+TEST(TeskResponsesImportTest, EveryPlatformsLineEndEndsARow) {
+    const Table expected{{"a", "b"}, Rows{{"1", "2"}, {"3", "4"}}};
+    EXPECT_EQ(tableFromDelimited("a,b\r\n1,2\r\n3,4\r\n", ","), expected);
+    EXPECT_EQ(tableFromDelimited("a,b\r1,2\r3,4", ","), expected); // classic Mac
+    EXPECT_EQ(tableFromDelimited("a,b\r\n1,2\n\r\n3,4", ","), expected);
+    // Inside quotes a line break of any kind stays in the cell.
+    EXPECT_EQ(tableFromDelimited("q\r\n\"one\r\ntwo\rthree\"\r\n", ",").rows, (Rows{{"one\r\ntwo\rthree"}}));
+}
+
+// Without its partner a quote would take the rest of the file into one cell; the researcher
+// is told where it opened, and nothing is read.
+TEST(TeskResponsesImportTest, AQuoteThatNeverClosesIsRefusedWithItsLine) {
+    try {
+        tableFromDelimited("id,answer\r\n1,\"fine\"\r\n2,\"It was \"\"hard\"\"\nvery\r\n3,ok\r\n", ",");
+        ADD_FAILURE() << "read";
+    } catch (const ImportError& error) {
+        EXPECT_EQ(error.kind(), ImportError::Kind::unclosedQuote);
+        EXPECT_STREQ(error.what(), "A quoted cell in this file never closes: the quote mark on line 3 has no "
+                                   "partner. Fix that line, or export the table as .csv again.");
+    }
+    EXPECT_EQ(delimitedFailure("a,b\n5\" tall,x\n"), ImportError::Kind::unclosedQuote);
+}
+
+// A ".csv" is read with the separator its first line holds most of: commas unless semicolons
+// or tabs outnumber them outside quotes. A byte order mark never reaches the first header.
+TEST(TeskResponsesImportTest, ACSVFileIsSplitByTheSeparatorItsFirstLineUses) {
+    TemporaryDirectory folder;
+    const auto read = [&](const std::string& text) {
+        testing::writeText(folder / "table.csv", text);
+        return TeskResponsesImport::table(folder / "table.csv");
+    };
+    EXPECT_EQ(read("\xEF\xBB\xBFid;answer\r\n1;3,5 hours, then home\r\n"),
+              (Table{{"id", "answer"}, Rows{{"1", "3,5 hours, then home"}}}));
+    EXPECT_EQ(read("id\tanswer\n1\tyes, mostly\n").rows, (Rows{{"1", "yes, mostly"}}));
+    EXPECT_EQ(read("id,answer\n1,a; b; c\n").rows, (Rows{{"1", "a; b; c"}}));
+    EXPECT_EQ(read("\"a;b;c\",answer\n1,x\n").headers, (std::vector<std::string>{"a;b;c", "answer"}));
+    EXPECT_EQ(read("a;b,c\n1;2,3\n").headers, (std::vector<std::string>{"a;b", "c"})); // a tie stays with commas
+    // A ".tsv" is always split at tabs.
+    testing::writeText(folder / "table.tsv", "a;b\tc\n1;2\t3\n");
+    EXPECT_EQ(TeskResponsesImport::table(folder / "table.tsv").headers, (std::vector<std::string>{"a;b", "c"}));
 }
 
 TEST(TeskResponsesImportTest, ColumnsAreNamedAndTheLongestTextIsSuggested) {
@@ -86,6 +128,13 @@ TEST(TeskResponsesImportTest, WorkbooksReadTheFirstSheetWithSharedStrings) {
     testing::writeText(folder / "broken.xlsx", "not a zip");
     EXPECT_THROW(TeskResponsesImport::table(folder / "broken.xlsx"), ImportError);
     EXPECT_FALSE(unzipEntry(folder / "broken.xlsx", "xl/worksheets/sheet1.xml"));
+    // A sheet that would unpack far beyond its workbook is not unpacked.
+    const std::string filler = "<row><c t=\"inlineStr\"><is><t>" + std::string(1 << 20, 'a') + "</t></is></c></row>";
+    testing::writeText(folder / "bomb.xlsx",
+                       testing::zipArchive({{"xl/worksheets/sheet1.xml", "", 8, testing::rawDeflateRepeated(filler, 100),
+                                             filler.size() * 100}}));
+    EXPECT_FALSE(unzipEntry(folder / "bomb.xlsx", "xl/worksheets/sheet1.xml"));
+    EXPECT_THROW(TeskResponsesImport::table(folder / "bomb.xlsx"), ImportError);
     testing::writeText(folder / "answers.ods", "x");
     EXPECT_THROW(TeskResponsesImport::table(folder / "answers.ods"), ImportError);
 }

@@ -5,61 +5,28 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include "MibrelCore/Import/DocxArchive.h"
 #include "tests/support/TestSupport.h"
+#include "tests/support/ZipBuilder.h"
 
 namespace mibrel {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::rawDeflate;
+using testing::rawDeflateRepeated;
 using testing::TemporaryDirectory;
 using testing::writeText;
+using testing::zipArchive;
+using testing::ZipBuilderEntry;
+using testing::ZipLayout;
 using Kind = TeskTranscriptImport::ImportError::Kind;
 using ArchiveKind = DocxArchive::ArchiveError::Kind;
 
-struct ZipEntry {
-    std::string name;
-    std::string data;
-    std::uint16_t method = 8;
-};
-
-std::string rawDeflate(const std::string& data) {
-    z_stream stream{};
-    deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, -MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
-    std::string out(deflateBound(&stream, data.size()), '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
-    stream.avail_in = static_cast<uInt>(data.size());
-    stream.next_out = reinterpret_cast<Bytef*>(out.data());
-    stream.avail_out = static_cast<uInt>(out.size());
-    deflate(&stream, Z_FINISH);
-    out.resize(stream.total_out);
-    deflateEnd(&stream);
-    return out;
-}
-
-void putLittleEndian(std::string& out, std::uint32_t value, int width) {
-    for (int i = 0; i < width; ++i) out += static_cast<char>((value >> (8 * i)) & 0xFF);
-}
-
-// Local headers and data only: that is all the reader walks.
-std::string zipOf(const std::vector<ZipEntry>& entries) {
-    std::string zip;
-    for (const auto& entry : entries) {
-        const std::string data = entry.method == 8 ? rawDeflate(entry.data) : entry.data;
-        zip += std::string("PK\x03\x04", 4);
-        putLittleEndian(zip, 20, 2);
-        putLittleEndian(zip, 0, 2);
-        putLittleEndian(zip, entry.method, 2);
-        putLittleEndian(zip, 0, 8); // time, date, crc
-        putLittleEndian(zip, static_cast<std::uint32_t>(data.size()), 4);
-        putLittleEndian(zip, static_cast<std::uint32_t>(entry.data.size()), 4);
-        putLittleEndian(zip, static_cast<std::uint32_t>(entry.name.size()), 2);
-        putLittleEndian(zip, 0, 2);
-        zip += entry.name + data;
-    }
-    return zip + std::string("PK\x01\x02", 4) + std::string(42, '\0'); // where a central directory starts
+// Word files as python-docx and Word lay them out: sizes in the local headers.
+std::string zipOf(const std::vector<ZipBuilderEntry>& entries, ZipLayout layout = ZipLayout::sizesInHeaders) {
+    return zipArchive(entries, layout);
 }
 
 std::string wordXML(const std::string& body) {
@@ -124,6 +91,8 @@ TEST_F(TranscriptImportTest, PlainTextIsReadByItsEndingAndDecodedWithDetectionAf
     EXPECT_EQ(importText("notes.Md", "# Heading"), "# Heading");
     EXPECT_EQ(importText("notes", "  kept as it is \n"), "  kept as it is \n");
     EXPECT_EQ(importText("letter.rtf", "{\\rtf1 Hi}"), "{\\rtf1 Hi}");
+    // A byte order mark is no part of the first paragraph.
+    EXPECT_EQ(importText("marked.txt", "\xEF\xBB\xBFHello\n\nAgain"), "Hello\n\nAgain");
     const std::string latin1 = "Le caf\xE9 \xE9tait ferm\xE9, alors nous avons parl\xE9 dans la cour de l'\xE9" "cole. "
                                "Les coll\xE8gues \xE9taient fatigu\xE9s apr\xE8s la r\xE9union.";
     EXPECT_NE(importText("latin.txt", latin1).find("café"), std::string::npos);
@@ -154,7 +123,21 @@ TEST_F(TranscriptImportTest, WordParagraphsKeepTabsAndBreaksAndSkipDeletedText) 
               Kind::unreadable);
 }
 
-TEST_F(TranscriptImportTest, TheArchiveWalkFailsAsDesignedOnWhatItCannotRead) {
+TEST_F(TranscriptImportTest, StreamedAndZip64WordFilesAreReadLikeAnyOther) {
+    const std::string body = "<w:p><w:r><w:t>Interviewer: How did you start?</w:t></w:r></w:p>"
+                             "<w:p><w:r><w:t>Participant: At school.</w:t></w:r></w:p>";
+    for (const auto layout : {ZipLayout::dataDescriptors, ZipLayout::unsignedDataDescriptors, ZipLayout::zip64,
+                              ZipLayout::zip64DataDescriptors}) {
+        const std::string zip = zipOf({{"mimetype", "application/x", 0},
+                                       {"word/styles.xml", "<w:styles/>", 8},
+                                       {"word/document.xml", wordXML(body), 8}},
+                                      layout);
+        EXPECT_EQ(importText("streamed.docx", zip), "Interviewer: How did you start?\n\nParticipant: At school.");
+    }
+}
+
+// Each failure says what happened and what to do, in the researcher's words.
+TEST_F(TranscriptImportTest, WhatCannotBeReadIsRefusedWithASentenceThatSaysWhatToDo) {
     EXPECT_EQ((failure<DocxArchive::ArchiveError, ArchiveKind>("plain.docx", "not a zip at all, just text")),
               ArchiveKind::missingEntry);
     EXPECT_EQ((failure<DocxArchive::ArchiveError, ArchiveKind>("other.docx", zipOf({{"word/other.xml", "<x/>"}}))),
@@ -162,18 +145,44 @@ TEST_F(TranscriptImportTest, TheArchiveWalkFailsAsDesignedOnWhatItCannotRead) {
     EXPECT_EQ((failure<DocxArchive::ArchiveError, ArchiveKind>(
                   "method.docx", zipOf({{"word/document.xml", wordXML("<w:p><w:t>x</w:t></w:p>"), 12}}))),
               ArchiveKind::unsupportedCompression);
+    const std::string damaged = zipOf({{"word/document.xml", "", 8, std::string(64, '\xFF')}});
+    EXPECT_EQ((failure<DocxArchive::ArchiveError, ArchiveKind>("damaged.docx", damaged)), ArchiveKind::unreadable);
+    // Word's password protection and the old .doc format keep the text in a compound file.
+    const std::string compound = std::string("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8) + std::string(512, '\0');
+    EXPECT_EQ((failure<DocxArchive::ArchiveError, ArchiveKind>("protected.docx", compound)),
+              ArchiveKind::protectedOrLegacy);
     EXPECT_THROW(DocxArchive::inflateDeflate(""), DocxArchive::ArchiveError);
+
+    EXPECT_STREQ(DocxArchive::ArchiveError(ArchiveKind::missingEntry).what(),
+                 "This Word file is damaged or not a Word document. Open it in your word processor and save it "
+                 "again as .docx, or export it as .txt.");
+    for (const auto kind : {ArchiveKind::unreadable, ArchiveKind::missingEntry, ArchiveKind::unsupportedCompression,
+                            ArchiveKind::entryTooLarge, ArchiveKind::protectedOrLegacy}) {
+        const std::string text = DocxArchive::ArchiveError(kind).what();
+        EXPECT_TRUE(text.starts_with("This Word file ")) << text;
+        EXPECT_NE(text.find(".txt"), std::string::npos) << text;
+        EXPECT_EQ(text.find("error"), std::string::npos) << text;
+    }
 }
 
-// An entry that inflates beyond four times its compressed size is cut there; the XML then
-// breaks, and the paragraphs finished before the cut are what the import gives.
-TEST_F(TranscriptImportTest, AWordDocumentCutByTheFirstBufferKeepsItsFinishedParagraphs) {
+// A document part of 200 KB behind a few hundred bytes of DEFLATE: all of it comes through.
+TEST_F(TranscriptImportTest, ALongWordDocumentIsReadWhole) {
     const std::string body = "<w:p><w:r><w:t>Head</w:t></w:r></w:p><w:p><w:r><w:t>" + std::string(200'000, 'x') +
                              "</w:t></w:r></w:p>";
     const std::string xml = wordXML(body);
-    EXPECT_LT(rawDeflate(xml).size() * 4, xml.size());
-    EXPECT_EQ(importText("long.docx", zipOf({{"word/document.xml", xml}})), "Head");
-    EXPECT_EQ(DocxArchive::inflateDeflate(rawDeflate(xml)).size(), 4096u);
+    ASSERT_LT(rawDeflate(xml).size() * 4, xml.size());
+    const std::string text = importText("long.docx", zipOf({{"word/document.xml", xml}}));
+    EXPECT_TRUE(text == "Head\n\n" + std::string(200'000, 'x')) << text.size();
+    EXPECT_EQ(DocxArchive::inflateDeflate(rawDeflate(xml)).size(), xml.size());
+}
+
+// A small file that would unpack to more than any document holds is refused when it passes
+// the bound, without unpacking the rest.
+TEST_F(TranscriptImportTest, AZipBombIsRefusedWithoutUnpackingIt) {
+    const std::string paragraph = "<w:p><w:r><w:t>" + std::string(1 << 20, 'a') + "</w:t></w:r></w:p>";
+    const std::string bomb = zipOf({{"word/document.xml", "", 8, rawDeflateRepeated(paragraph, 100)}});
+    ASSERT_LT(bomb.size(), 200'000u);
+    EXPECT_EQ((failure<DocxArchive::ArchiveError, ArchiveKind>("bomb.docx", bomb)), ArchiveKind::entryTooLarge);
 }
 
 TEST_F(TranscriptImportTest, PDFPagesBecomeParagraphsAndAPDFWithoutTextIsRefused) {

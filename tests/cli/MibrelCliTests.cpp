@@ -232,6 +232,42 @@ TEST_F(MibrelCliTest, ImportsReadDocumentsAndTablesAndFailInTheReadersWords) {
               kExitFailure);
 }
 
+// Files as Windows programs and LibreOffice write them: every paragraph, every row.
+TEST_F(MibrelCliTest, RealWordFilesAndTablesComeInWhole) {
+    const CliResult streamed = run({"text", MIBREL_IMPORT_FIXTURES "/libreoffice-long.docx"});
+    ASSERT_EQ(streamed.status, kExitSuccess) << streamed.err;
+    EXPECT_TRUE(streamed.out.starts_with("Turn 1: The pay was low")) << streamed.out.substr(0, 80);
+    EXPECT_TRUE(streamed.out.ends_with("\n\nTurn 6000: We stayed because the school felt like a family.\n"));
+    const CliResult interview = run({"text", MIBREL_IMPORT_FIXTURES "/python-docx-long.docx"});
+    ASSERT_EQ(interview.status, kExitSuccess) << interview.err;
+    EXPECT_NE(interview.out.find("\n\nParticipant (420): "), std::string::npos);
+
+    const std::string project = createProject();
+    for (const std::string name : {"pandas-crlf.csv", "libreoffice-semicolon-de.csv", "excel-csv-windows1252.csv"}) {
+        const CliResult imported =
+            run({"import", "responses", project, MIBREL_IMPORT_FIXTURES "/" + name, "--label-column", "0"});
+        ASSERT_EQ(imported.status, kExitSuccess) << name << ": " << imported.err;
+        EXPECT_NE(imported.out.find("\"imported\": 3"), std::string::npos) << name << imported.out;
+        // The newest source is the last row's answer, from the text column the table suggested.
+        const auto idAt = imported.out.find("\"selectedSourceID\": \"") + 21;
+        const auto last = platform::json::decode<TeskTranscript>(run({"transcript", "show", project, imported.out.substr(idAt, 36)}).out);
+        ASSERT_EQ(last.segments.size(), 1u);
+        EXPECT_TRUE(last.segments[0].text.starts_with("Café in Ålesund")) << name << ": " << last.segments[0].text;
+    }
+    const std::string index = readText(folder / "study.mvibrl" / "sources" / "index.json");
+    std::size_t labels = 0;
+    for (auto at = index.find("\"label\": \"P0"); at != std::string::npos; at = index.find("\"label\": \"P0", at + 1)) ++labels;
+    EXPECT_EQ(labels, 9u);
+    const CliResult sources = run({"sources", "list", project});
+    EXPECT_EQ(sources.out.find("Row "), std::string::npos);
+
+    writeText(folder / "open.csv", "id,answer\n1,\"It started well\n2,fine\n");
+    const CliResult open = run({"import", "responses", project, (folder / "open.csv").string()});
+    EXPECT_EQ(open.status, kExitFailure);
+    EXPECT_EQ(open.err, "A quoted cell in this file never closes: the quote mark on line 2 has no partner. Fix that "
+                        "line, or export the table as .csv again.\n");
+}
+
 TEST_F(MibrelCliTest, ExportsWriteThePacketAndTheHandoffBundle) {
     const std::string project = createProject();
     const std::string packet = (folder / "study.zvk").string();
