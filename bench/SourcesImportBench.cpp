@@ -96,11 +96,11 @@ std::string wordParagraph(std::mt19937& random, std::size_t words) {
     return xml + "</w:p>";
 }
 
-// A long interview saved by Word: 20,000 paragraphs of 150 to 300 words, about 20 MB on disk.
+// A long interview saved by Word: 20,000 paragraphs of 180 to 350 words, about 20 MB on disk.
 const fs::path& wordFile() {
     static const fs::path location = [] {
         std::mt19937 random(11);
-        std::uniform_int_distribution<std::size_t> words(150, 300);
+        std::uniform_int_distribution<std::size_t> words(180, 350);
         std::string xml = R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)"
                           R"(<w:document xmlns:w="http://schemas.openxmlformats.org/wordprocessingml/2006/main"><w:body>)";
         for (std::size_t p = 0; p < kWordParagraphs; ++p) xml += wordParagraph(random, words(random));

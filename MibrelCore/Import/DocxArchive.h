@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -36,6 +37,12 @@ std::string entryData(const std::string& name, const std::filesystem::path& loca
 
 // The same, from the archive's bytes already in memory.
 std::string entryDataFromBytes(const std::string& name, std::string_view archive);
+
+// Hands the entry's bytes to `take` in order, as they are unpacked on a second thread, for a
+// reader that need not hold the whole entry. Throws as `entryData` does, a damaged or
+// oversized stream only after `take` saw the pieces before the fault.
+void streamEntry(const std::string& name, const std::filesystem::path& location,
+                 const std::function<void(std::string_view)>& take);
 
 // Inflates a whole raw DEFLATE stream. Throws ArchiveError: `unreadable` when it is empty,
 // damaged or cut short, `entryTooLarge` beyond `limit` bytes (by default the bound for an

@@ -45,11 +45,17 @@ std::string plainText(const std::filesystem::path& location) {
     return *text;
 }
 
-// A broken tail of the XML does not lose the paragraphs finished before it.
+// A broken tail of the XML does not lose the paragraphs finished before it. The document
+// part is read as it unpacks, so the two overlap and the whole part is never held at once;
+// a damaged or oversized part still throws, after its head was read.
 std::string docxText(const std::filesystem::path& location) {
-    const std::string xml = DocxArchive::entryData("word/document.xml", location);
     DocxParagraphCollector collector;
-    const bool parsed = platform::xml::parse(xml, collector);
+    platform::xml::XmlPushParser parser(collector);
+    bool parsed = true;
+    DocxArchive::streamEntry("word/document.xml", location, [&](std::string_view piece) {
+        if (parsed) parsed = parser.feed(piece);
+    });
+    parsed = parsed && parser.finish();
     if (!parsed && collector.paragraphs.empty()) throw ImportError(ImportError::Kind::unreadable);
     auto text = joinedParagraphs(collector.paragraphs);
     if (!text) throw ImportError(ImportError::Kind::unreadable);

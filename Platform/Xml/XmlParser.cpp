@@ -32,21 +32,44 @@ std::optional<std::string_view> XmlAttributes::value(std::string_view name) cons
     return std::nullopt;
 }
 
+struct XmlPushParser::Parser {
+    std::unique_ptr<XML_ParserStruct, ParserFree> expat{XML_ParserCreate("UTF-8")};
+};
+
+XmlPushParser::XmlPushParser(XmlHandler& handler) : m_parser(std::make_unique<Parser>()) {
+    XML_Parser parser = m_parser->expat.get();
+    m_failed = parser == nullptr;
+    if (m_failed) return;
+    XML_SetUserData(parser, &handler);
+    XML_SetElementHandler(parser, onStart, onEnd);
+    XML_SetCharacterDataHandler(parser, onCharacters);
+}
+
+XmlPushParser::~XmlPushParser() = default;
+
+bool XmlPushParser::feed(std::string_view piece) {
+    // Fed in slices that fit expat's int lengths.
+    constexpr std::size_t kSlice = static_cast<std::size_t>(std::numeric_limits<int>::max() / 2);
+    while (!piece.empty() && !m_failed) {
+        const std::size_t length = std::min(kSlice, piece.size());
+        m_failed = !parsePiece(piece.substr(0, length), false);
+        piece.remove_prefix(length);
+    }
+    return !m_failed;
+}
+
+bool XmlPushParser::finish() {
+    if (!m_failed) m_failed = !parsePiece({}, true);
+    return !m_failed;
+}
+
+bool XmlPushParser::parsePiece(std::string_view piece, bool isFinal) {
+    return XML_Parse(m_parser->expat.get(), piece.data(), static_cast<int>(piece.size()), isFinal) == XML_STATUS_OK;
+}
+
 bool parse(std::string_view document, XmlHandler& handler) {
-    std::unique_ptr<XML_ParserStruct, ParserFree> parser(XML_ParserCreate("UTF-8"));
-    if (!parser) return false;
-    XML_SetUserData(parser.get(), &handler);
-    XML_SetElementHandler(parser.get(), onStart, onEnd);
-    XML_SetCharacterDataHandler(parser.get(), onCharacters);
-    // Fed in pieces that fit expat's int lengths; the last piece says the document ends.
-    constexpr std::size_t kPiece = static_cast<std::size_t>(std::numeric_limits<int>::max() / 2);
-    do {
-        const std::size_t length = std::min(kPiece, document.size());
-        const bool isFinal = length == document.size();
-        if (XML_Parse(parser.get(), document.data(), static_cast<int>(length), isFinal) != XML_STATUS_OK) return false;
-        document.remove_prefix(length);
-    } while (!document.empty());
-    return true;
+    XmlPushParser parser(handler);
+    return parser.feed(document) && parser.finish();
 }
 
 } // namespace platform::xml

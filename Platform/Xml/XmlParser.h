@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -31,5 +32,26 @@ public:
 // Reads the document, calling the handler for each event. Returns false when the document
 // is not well-formed; the events before the error have been delivered by then.
 bool parse(std::string_view document, XmlHandler& handler);
+
+// The same for a document that arrives in pieces: each piece is read as it comes.
+class XmlPushParser {
+public:
+    explicit XmlPushParser(XmlHandler& handler);
+    ~XmlPushParser();
+    XmlPushParser(const XmlPushParser&) = delete;
+    XmlPushParser& operator=(const XmlPushParser&) = delete;
+
+    // Reads the next piece. False once the document has failed; later pieces are ignored.
+    bool feed(std::string_view piece);
+    // Ends the document. False when it failed anywhere or stops short.
+    bool finish();
+
+private:
+    bool parsePiece(std::string_view piece, bool isFinal);
+
+    struct Parser;
+    std::unique_ptr<Parser> m_parser;
+    bool m_failed = false;
+};
 
 } // namespace platform::xml

@@ -1,3 +1,4 @@
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,39 @@ TEST(InflateWholeTest, AZipBombStopsAtTheLimit) {
     EXPECT_EQ(limit, 64 * kMebibyte);
     EXPECT_EQ(inflateWhole(bomb, limit).status, Status::tooLarge);
     EXPECT_EQ(inflateWhole(bomb, 128 * kMebibyte).bytes.size(), 100 * kMebibyte);
+}
+
+// Unpacking on a second thread hands over the same bytes, in order, and says how it ended
+// only after every piece before the end or the fault was taken.
+TEST(InflateAlongsideTest, PiecesArriveInOrderAndAFaultComesAfterThem) {
+    const std::string text = interviewText(100'000);
+    const std::string packed = rawDeflate(text);
+    std::string joined;
+    std::size_t pieces = 0;
+    const auto take = [&](std::string_view piece) {
+        joined += piece;
+        ++pieces;
+    };
+    EXPECT_EQ(inflateAlongside(packed, 64 * kMebibyte, take), Status::complete);
+    EXPECT_TRUE(joined == text);
+    EXPECT_GT(pieces, 1u);
+
+    joined.clear();
+    EXPECT_EQ(inflateAlongside(packed.substr(0, packed.size() / 2), 64 * kMebibyte, take), Status::corrupt);
+    EXPECT_TRUE(text.starts_with(joined));
+    EXPECT_EQ(inflateAlongside(packed, text.size() / 3, take), Status::tooLarge);
+    EXPECT_EQ(inflateAlongside("", kMebibyte, take), Status::corrupt);
+}
+
+TEST(InflateAlongsideTest, AReaderThatStopsEndsTheUnpackingToo) {
+    const std::string packed = rawDeflateRepeated(std::string(kMebibyte, 'a'), 50);
+    std::size_t pieces = 0;
+    EXPECT_THROW(inflateAlongside(packed, 64 * kMebibyte,
+                                  [&](std::string_view) {
+                                      if (++pieces == 2) throw std::runtime_error("stop");
+                                  }),
+                 std::runtime_error);
+    EXPECT_EQ(pieces, 2u);
 }
 
 TEST(UnpackLimitTest, IsTwoHundredTimesTheArchiveBetweenItsBounds) {
