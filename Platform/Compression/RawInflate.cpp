@@ -86,7 +86,7 @@ private:
     bool m_abandoned = false;
 };
 
-void inflateInto(PieceQueue& queue, std::string_view input, std::size_t limit) {
+void inflatePieces(PieceQueue& queue, std::string_view input, std::size_t limit) {
     RawInflater inflater(input);
     std::size_t total = 0;
     while (inflater.state() == RawInflater::State::running && !queue.abandoned()) {
@@ -97,6 +97,15 @@ void inflateInto(PieceQueue& queue, std::string_view input, std::size_t limit) {
         if (!piece.empty()) queue.push(std::move(piece));
     }
     queue.close(inflater.state() == RawInflater::State::ended ? Unpacked::Status::complete : Unpacked::Status::corrupt);
+}
+
+// Nothing may escape the thread: a failure to allocate a piece ends the stream as unreadable.
+void inflateInto(PieceQueue& queue, std::string_view input, std::size_t limit) {
+    try {
+        inflatePieces(queue, input, limit);
+    } catch (...) {
+        queue.close(Unpacked::Status::corrupt);
+    }
 }
 
 } // namespace
@@ -150,6 +159,7 @@ std::size_t RawInflater::fill(char* out, std::size_t room) {
 }
 
 Unpacked inflateWhole(std::string_view input, std::size_t limit, std::uint64_t sizeHint) {
+    limit = std::min(limit, std::numeric_limits<std::size_t>::max() - 1); // room for the byte beyond it
     RawInflater inflater(input);
     std::string output(firstBufferSize(input.size(), limit, sizeHint), '\0');
     std::size_t written = 0;
