@@ -11,7 +11,7 @@
 namespace mibrel::TeskAppleIntelligenceAssist {
 namespace {
 
-constexpr const char* kNotAvailable = "Not available on this Mac.";
+constexpr const char* kNotAvailable = "Not available on this computer.";
 
 std::string upper(std::string_view text) {
     std::string result(text);
@@ -60,9 +60,9 @@ TeskAppleIntelligenceStatus status(MibrelAppleHelperSidecar& helper) {
     try {
         reply = helper.call("ai.status", rapidjson::Document(rapidjson::kObjectType));
     } catch (const std::exception&) {
-        return {false, "Apple Intelligence", kNotAvailable};
+        return {false, "the local model", kNotAvailable};
     }
-    if (!reply || !reply->IsObject()) return {false, "Apple Intelligence", kNotAvailable};
+    if (!reply || !reply->IsObject()) return {false, "the local model", kNotAvailable};
     TeskAppleIntelligenceStatus result;
     const auto available = reply->FindMember("available");
     result.available = available != reply->MemberEnd() && available->value.IsBool() && available->value.GetBool();
@@ -118,7 +118,7 @@ std::optional<TeskCodeSuggestion> parseSuggestion(std::string_view text, const T
         if (suggestion.suggestedCodeIDs.empty()) {
             suggestion.confidence = confidenceOf(fields[2]);
             suggestion.rationale = platform::text::trimmed(joined(fields, 3, '|'));
-            if (suggestion.rationale.empty()) suggestion.rationale = "Suggested by Apple Intelligence.";
+            if (suggestion.rationale.empty()) suggestion.rationale = "Suggested by the local model.";
         }
         suggestion.suggestedCodeIDs.push_back(code->id);
     }

@@ -16,7 +16,7 @@ class MibrelAppleHelperSidecar;
 // Whether the on-device language model can be asked, and its name to show.
 struct TeskAppleIntelligenceStatus {
     bool available = false;
-    std::string model = "Apple Intelligence";
+    std::string model = "the local model";
     std::optional<std::string> reason;
 
     bool operator==(const TeskAppleIntelligenceStatus&) const = default;

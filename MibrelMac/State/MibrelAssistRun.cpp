@@ -148,7 +148,7 @@ void MibrelAssistRun::accept(const Uuid& suggestionID) {
     if (found == m_suggestions.end()) return;
     const TranscriptSegment* text = segment(found->response);
     if (!text) return; // the segment is gone: the row stays
-    const std::string memo = m_usedAppleIntelligence ? "Accepted from Merivante Intelligence (Apple Intelligence)"
+    const std::string memo = m_usedAppleIntelligence ? "Accepted from Merivante Intelligence (local model)"
                                                      : "Accepted from Merivante Intelligence suggestion";
     const TeskCodeSuggestion accepted = *found;
     for (const Uuid& codeID : accepted.suggestedCodeIDs) {
@@ -176,9 +176,9 @@ void MibrelAssistRun::sourceChanged() {
 
 std::pair<std::string, std::string> MibrelAssistRun::inspectorStatus() const {
     if (m_intelligenceStatus.available) {
-        return {"Apple Intelligence ready", "On-device model suggests codes when you run Suggest."};
+        return {"Local model ready", "On-device model suggests codes when you run Suggest."};
     }
-    return {"Local matching", "Keyword matching runs on this Mac."};
+    return {"Local matching", "Keyword matching runs on this computer."};
 }
 
 std::optional<std::string> MibrelAssistRun::suggestCommandHint() const {
@@ -214,7 +214,7 @@ MibrelAssistDisplay MibrelAssistRun::display() const {
                 std::nullopt};
     }
     if (m_isRunning) {
-        return {m_usedAppleIntelligence ? "Merivante Intelligence is reviewing segments on this Mac…"
+        return {m_usedAppleIntelligence ? "Merivante Intelligence is reviewing segments on this computer…"
                                         : "Matching segments against your codebook…",
                 "", "Cancel"};
     }
@@ -224,15 +224,15 @@ MibrelAssistDisplay MibrelAssistRun::display() const {
         if (m_hasRun) return {"No matches found", "No segments in this source matched your codebook.", "Run Again"};
         return {"Ready when you are",
                 m_intelligenceStatus.available
-                    ? "Select a source, then click Suggest Codes in the inspector. Apple Intelligence is available on "
-                      "this Mac."
+                    ? "Select a source, then click Suggest Codes in the inspector. A local model is available on this "
+                      "computer."
                     : "Select a source, then click Suggest Codes in the inspector. Local keyword matching runs when "
-                      "Apple Intelligence is unavailable.",
+                      "no local model is available.",
                 std::nullopt};
     }
     return {"",
             m_usedAppleIntelligence
-                ? "Review each match from Apple Intelligence. Accept routes through the same coding path as manual apply."
+                ? "Review each match from the local model. Accept routes through the same coding path as manual apply."
                 : "Review each local match. Accept routes through the same coding path as manual apply.",
             "Run Again", true};
 }

@@ -103,7 +103,7 @@ private:
     bool m_hasRun = false;
     bool m_isRunning = false;
     bool m_wasCanceled = false;
-    TeskAppleIntelligenceStatus m_intelligenceStatus{false, "Apple Intelligence", std::nullopt};
+    TeskAppleIntelligenceStatus m_intelligenceStatus{false, "the local model", std::nullopt};
     bool m_usedAppleIntelligence = false;
     std::optional<std::string> m_lastError;
     std::shared_ptr<std::atomic<bool>> m_runTask; // the running run's cancel flag

@@ -142,8 +142,8 @@ public:
         "This removes the transcript and any recording stored in the project. Codes applied to this source stay in "
         "the codebook but lose their excerpts.";
     static constexpr const char* kSpeechIntroQuestion =
-        "Mibrel uses Apple's on-device speech recognition. Your audio never leaves this Mac. macOS will ask once for "
-        "Speech Recognition permission.";
+        "Mibrel transcribes with speech recognition that runs on this computer. Your audio never leaves this "
+        "computer.";
 
 signals:
     // The list or a transcript changed.

@@ -91,7 +91,7 @@ void MibrelSourcesState::finishMediaImport(const TeskSource& source, const fs::p
     const char* title = kind == TeskMediaKind::video ? "Video imported into Sources" : "Audio imported into Sources";
     setNotice(source.id,
               speechIntroShown()
-                  ? source.label + " is selected. Transcription will start on this Mac."
+                  ? source.label + " is selected. Transcription will start on this computer."
                   : source.label + " is ready. Approve on-device speech recognition when prompted to start transcription.",
               title);
     beginTranscription(source.id, false);

@@ -182,7 +182,7 @@ std::optional<MibrelTranscriptionStatusSummary> MibrelSourcesState::transcriptio
         return {{"Approval needed", "Confirm on-device speech recognition to start transcription.", "hand.raised",
                  Tone::warning}};
     }
-    if (m_transcribing.contains(target.id)) return {{"Transcribing", "Working locally on this Mac.", "waveform", Tone::active}};
+    if (m_transcribing.contains(target.id)) return {{"Transcribing", "Working locally on this computer.", "waveform", Tone::active}};
     if (const auto& status = target.transcriptionStatus) {
         switch (status->kind) {
         case Kind::notStarted: return {{"Not transcribed", status->message, "text.badge.plus", Tone::neutral}};

@@ -8,13 +8,12 @@
 #include <QUndoStack>
 
 #include "MibrelMac/App/MibrelApp.h"
+#include "MibrelMac/Views/Kit/MibrelKitText.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
 #include "Platform/Foundation/EnumRawValues.h"
 
 namespace mibrel {
 namespace {
-
-QString qs(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 QAction* addAction(QMenu* menu, const QString& title, const QKeySequence& shortcut = {}) {
     QAction* action = menu->addAction(title);
@@ -117,7 +116,7 @@ void MibrelCommands::addViewMenu(QMainWindow& window) {
     view->addSeparator();
     int position = 1;
     for (MibrelTool tool : platform::allCases<MibrelTool>()) {
-        QAction* action = projectAction(addAction(view, qs(title(tool))));
+        QAction* action = projectAction(addAction(view, kit::menuText(kit::qtText(title(tool)))));
         action->setIcon(iconForSymbol(symbol(tool)));
         if (position <= 9) action->setShortcut(QKeySequence(QStringLiteral("Ctrl+%1").arg(position)));
         connect(action, &QAction::triggered, &shell, [&shell, tool] { shell.setSelectedTool(tool); });
@@ -131,9 +130,9 @@ void MibrelCommands::refresh() {
         action->setEnabled(hasProject && !action->property("mibrelUnavailable").toBool());
     }
     const auto& workspace = m_app.workspaceState();
-    m_undo->setText(QString::fromStdString(workspace.undoTitle()));
+    m_undo->setText(kit::menuText(kit::qtText(workspace.undoTitle())));
     m_undo->setEnabled(workspace.canUndo());
-    m_redo->setText(QString::fromStdString(workspace.redoTitle()));
+    m_redo->setText(kit::menuText(kit::qtText(workspace.redoTitle())));
     m_redo->setEnabled(workspace.canRedo());
     m_inspectorToggle->setText(m_app.shellUI().isInspectorVisible() ? QStringLiteral("Hide Inspector")
                                                                     : QStringLiteral("Show Inspector"));

@@ -102,7 +102,7 @@ void MibrelMainWindow::showResponsesImportSheet() {
 void MibrelMainWindow::askForSpeechApproval() {
     auto& sources = m_app.sourcesState();
     if (!sources.pendingSpeechIntro()) return;
-    QMessageBox question(QMessageBox::Question, QStringLiteral("On-Device Transcription"),
+    QMessageBox question(QMessageBox::Question, QStringLiteral("Transcribe on this computer"),
                          QString::fromUtf8(MibrelSourcesState::kSpeechIntroQuestion), QMessageBox::NoButton, this);
     QPushButton* transcribe = question.addButton(QStringLiteral("Transcribe"), QMessageBox::AcceptRole);
     QPushButton* notNow = question.addButton(QStringLiteral("Not Now"), QMessageBox::RejectRole);

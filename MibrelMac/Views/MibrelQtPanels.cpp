@@ -12,10 +12,10 @@
 #include <QStandardPaths>
 #include <QUrl>
 
+#include "MibrelMac/Views/Kit/MibrelKitText.h"
+
 namespace mibrel {
 namespace {
-
-QString qs(const std::string& text) { return QString::fromStdString(text); }
 
 bool isProjectPackage(const QString& folder) { return folder.endsWith(QStringLiteral(".mvibrl")); }
 
@@ -40,7 +40,7 @@ void addMessage(QFileDialog& dialog, const std::string& message) {
     if (message.empty()) return;
     auto* grid = qobject_cast<QGridLayout*>(dialog.layout());
     if (!grid) return;
-    auto* label = new QLabel(qs(message), &dialog);
+    auto* label = new QLabel(kit::qtText(message), &dialog);
     label->setWordWrap(true);
     grid->addWidget(label, grid->rowCount(), 0, 1, grid->columnCount());
 }
@@ -65,10 +65,10 @@ QStringList nameFilters(const std::vector<MibrelFileType>& types) {
     for (const MibrelFileType& type : types) {
         QStringList patterns;
         for (const std::string& extension : type.extensions) {
-            patterns << QStringLiteral("*.") + qs(extension) << QStringLiteral("*.") + qs(extension).toUpper();
+            patterns << QStringLiteral("*.") + kit::qtText(extension) << QStringLiteral("*.") + kit::qtText(extension).toUpper();
         }
         all << patterns;
-        filters << QStringLiteral("%1 (%2)").arg(qs(type.description), patterns.join(QLatin1Char(' ')));
+        filters << QStringLiteral("%1 (%2)").arg(kit::qtText(type.description), patterns.join(QLatin1Char(' ')));
     }
     if (types.size() > 1) filters.prepend(QStringLiteral("All supported files (%1)").arg(all.join(QLatin1Char(' '))));
     return filters;
@@ -77,10 +77,10 @@ QStringList nameFilters(const std::vector<MibrelFileType>& types) {
 } // namespace
 
 std::optional<std::filesystem::path> MibrelQtPanels::runSavePanel(const MibrelSavePanelRequest& request) {
-    QFileDialog dialog(m_parent, qs(request.title), startFolder());
+    QFileDialog dialog(m_parent, kit::qtText(request.title), startFolder());
     dialog.setOption(QFileDialog::DontUseNativeDialog); // keeps the message and package handling
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.selectFile(qs(request.suggestedName));
+    dialog.selectFile(kit::qtText(request.suggestedName));
     addMessage(dialog, request.message);
     std::optional<std::filesystem::path> chosen;
     acceptPackagesOnEntry(dialog, chosen, true);
@@ -88,7 +88,7 @@ std::optional<std::filesystem::path> MibrelQtPanels::runSavePanel(const MibrelSa
 }
 
 std::optional<std::filesystem::path> MibrelQtPanels::runOpenPanel(const MibrelOpenPanelRequest& request) {
-    QFileDialog dialog(m_parent, qs(request.title), startFolder());
+    QFileDialog dialog(m_parent, kit::qtText(request.title), startFolder());
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(request.canChooseFiles ? QFileDialog::ExistingFile : QFileDialog::Directory);
     if (!request.allowedTypes.empty()) dialog.setNameFilters(nameFilters(request.allowedTypes));
@@ -103,8 +103,8 @@ void MibrelQtPanels::revealInFileManager(const std::filesystem::path& location) 
 
 void MibrelQtPanels::copyToClipboard(const std::string& html, const std::string& plainText) {
     auto* data = new QMimeData;
-    data->setHtml(qs(html));
-    data->setText(qs(plainText));
+    data->setHtml(kit::qtText(html));
+    data->setText(kit::qtText(plainText));
     QApplication::clipboard()->setMimeData(data);
 }
 

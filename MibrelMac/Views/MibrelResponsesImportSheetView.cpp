@@ -7,10 +7,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "MibrelMac/Views/Kit/MibrelKitText.h"
+
 namespace mibrel {
 namespace {
-
-QString qs(const std::string& text) { return QString::fromStdString(text); }
 
 QLabel* wrappingLabel(const QString& text, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -22,29 +22,29 @@ QLabel* wrappingLabel(const QString& text, QWidget* parent) {
 
 MibrelResponsesImportSheetView::MibrelResponsesImportSheetView(MibrelSourcesState& sources, QWidget* parent)
     : QDialog(parent), m_sources(sources), m_sheet(MibrelResponsesImportSheet::make(*sources.pendingResponsesImport())) {
-    setWindowTitle(qs(MibrelResponsesImportSheet::kTitle));
+    setWindowTitle(kit::qtText(MibrelResponsesImportSheet::kTitle));
     setObjectName(QStringLiteral("responsesImportSheet"));
     setMinimumWidth(520);
     auto* layout = new QVBoxLayout(this);
-    auto* title = new QLabel(qs(MibrelResponsesImportSheet::kTitle), this);
+    auto* title = new QLabel(kit::qtText(MibrelResponsesImportSheet::kTitle), this);
     title->setStyleSheet(QStringLiteral("font-size: 15pt; font-weight: 600;"));
     layout->addWidget(title);
-    layout->addWidget(wrappingLabel(qs(m_sheet.summary()), this));
+    layout->addWidget(wrappingLabel(kit::qtText(m_sheet.summary()), this));
 
     m_textColumn = new QComboBox(this);
     m_labelColumn = new QComboBox(this);
-    m_labelColumn->addItem(qs(MibrelResponsesImportSheet::kRowNumbersChoice));
+    m_labelColumn->addItem(kit::qtText(MibrelResponsesImportSheet::kRowNumbersChoice));
     for (const std::string& name : m_sheet.columnNames()) {
-        m_textColumn->addItem(qs(name));
-        m_labelColumn->addItem(qs(name));
+        m_textColumn->addItem(kit::qtText(name));
+        m_labelColumn->addItem(kit::qtText(name));
     }
     m_textColumn->setCurrentIndex(static_cast<int>(m_sheet.textColumn));
     auto* form = new QFormLayout;
-    form->addRow(qs(MibrelResponsesImportSheet::kTextColumnTitle), m_textColumn);
-    form->addRow(qs(MibrelResponsesImportSheet::kLabelColumnTitle), m_labelColumn);
+    form->addRow(kit::qtText(MibrelResponsesImportSheet::kTextColumnTitle), m_textColumn);
+    form->addRow(kit::qtText(MibrelResponsesImportSheet::kLabelColumnTitle), m_labelColumn);
     layout->addLayout(form);
 
-    auto* previewTitle = new QLabel(qs(MibrelResponsesImportSheet::kPreviewTitle), this);
+    auto* previewTitle = new QLabel(kit::qtText(MibrelResponsesImportSheet::kPreviewTitle), this);
     previewTitle->setStyleSheet(QStringLiteral("font-weight: 600;"));
     layout->addWidget(previewTitle);
     m_preview = wrappingLabel({}, this);
@@ -54,7 +54,7 @@ MibrelResponsesImportSheetView::MibrelResponsesImportSheetView(MibrelSourcesStat
     layout->addWidget(m_count);
 
     auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(qs(MibrelResponsesImportSheet::kCancelTitle), QDialogButtonBox::RejectRole);
+    buttons->addButton(kit::qtText(MibrelResponsesImportSheet::kCancelTitle), QDialogButtonBox::RejectRole);
     m_import = buttons->addButton(QString(), QDialogButtonBox::AcceptRole);
     m_import->setDefault(true);
     layout->addWidget(buttons);
@@ -72,9 +72,9 @@ MibrelResponsesImportSheetView::MibrelResponsesImportSheetView(MibrelSourcesStat
 }
 
 void MibrelResponsesImportSheetView::refresh() {
-    m_preview->setText(qs(m_sheet.preview().value_or("")));
-    m_count->setText(qs(m_sheet.importableRowsText()));
-    m_import->setText(qs(m_sheet.importButtonTitle()));
+    m_preview->setText(kit::qtText(m_sheet.preview().value_or("")));
+    m_count->setText(kit::qtText(m_sheet.importableRowsText()));
+    m_import->setText(kit::qtText(m_sheet.importButtonTitle()));
     m_import->setEnabled(m_sheet.canImport());
 }
 

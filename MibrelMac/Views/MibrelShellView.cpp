@@ -14,6 +14,7 @@
 #include "MibrelMac/State/MibrelShellUIState.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelTool.h"
+#include "MibrelMac/Views/Kit/MibrelKitText.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
 #include "MibrelMac/Views/MibrelTypography.h"
 #include "Platform/Foundation/EnumRawValues.h"
@@ -35,8 +36,6 @@ QListWidget#shellToolList::item:selected { background: palette(highlight); color
 // Rows are sized here rather than by the style sheet, whose padding the list measures
 // inconsistently; the row height also gives the workflow list its exact height.
 int rowHeight(const QWidget* list) { return std::max(list->fontMetrics().height(), 18) + 10; }
-
-QString qtText(std::string_view text) { return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())); }
 
 const char* toolSummary(MibrelTool tool) {
     switch (tool) {
@@ -80,7 +79,7 @@ QListWidget* makeToolList(QWidget* parent) {
     // The whole workflow stays in view: the list is as tall as its rows, and the sources
     // below take whatever height is left.
     for (MibrelTool tool : tools) {
-        auto* item = new QListWidgetItem(iconForSymbol(symbol(tool)), qtText(title(tool)), list);
+        auto* item = new QListWidgetItem(iconForSymbol(symbol(tool)), kit::qtText(title(tool)), list);
         item->setSizeHint(QSize(0, rowHeight(list)));
     }
     list->setFixedHeight(rowHeight(list) * list->count() + 2 * list->frameWidth());
@@ -104,7 +103,7 @@ QWidget* makeToolPage(MibrelTool tool, QWidget* parent) {
     auto* layout = new QVBoxLayout(page);
     layout->setContentsMargins(40, 32, 40, 32);
     layout->setSpacing(6);
-    QLabel* heading = makeLabel(qtText(title(tool)), page, 1.7, QFont::DemiBold);
+    QLabel* heading = makeLabel(kit::qtText(title(tool)), page, 1.7, QFont::DemiBold);
     heading->setObjectName(QStringLiteral("shellToolPageTitle"));
     layout->addWidget(heading);
     layout->addWidget(makeSecondaryLabel(QString::fromUtf8(toolSummary(tool)), page, 1.1));
@@ -119,7 +118,7 @@ QWidget* makeInspectorPanel(MibrelTool tool, QWidget* parent) {
     layout->setSpacing(4);
     QLabel* header = makeSecondaryLabel(QStringLiteral("Inspector"), panel, 0.9, QFont::DemiBold);
     layout->addWidget(header);
-    QLabel* heading = makeLabel(qtText(title(tool)), panel, 1.15, QFont::DemiBold);
+    QLabel* heading = makeLabel(kit::qtText(title(tool)), panel, 1.15, QFont::DemiBold);
     heading->setObjectName(QStringLiteral("shellInspectorTitle"));
     layout->addWidget(heading);
     layout->addSpacing(8);
@@ -144,7 +143,7 @@ void fillSources(QListWidget* list, QWidget* emptyState, const MibrelSourcesStat
         // A label erased by hand in the file would otherwise leave an invisible row.
         const bool unnamed = source.label.find_first_not_of(" \t\r\n") == std::string::npos;
         auto* item = new QListWidgetItem(iconForSymbol("doc.text"),
-                                         unnamed ? QStringLiteral("Untitled source") : qtText(source.label), list);
+                                         unnamed ? QStringLiteral("Untitled source") : kit::qtText(source.label), list);
         item->setSizeHint(QSize(0, rowHeight(list)));
         if (state.selectedSourceID() == source.id) {
             QFont font = item->font();

@@ -314,7 +314,7 @@ QWidget* MibrelStartPageView::Parts::buildMainPanel() {
     layout->addWidget(makeLabel(tr("Welcome to Mibrel"), scaledFont(base, 2.2, QFont::DemiBold), false));
     layout->addSpacing(10);
     layout->addWidget(makeLabel(tr("Transcribe, code, and build defensible themes.\n"
-                                   "Your interviews never leave your Mac."),
+                                   "Your interviews never leave your computer."),
                                 scaledFont(base, 1.15), true));
     layout->addSpacing(28);
 

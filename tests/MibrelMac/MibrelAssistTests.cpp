@@ -59,7 +59,7 @@ TEST_F(ParseSuggestionTest, LinesAreReadTolerantlyAndTheFirstSetsConfidenceAndRa
     EXPECT_DOUBLE_EQ(parse("CODE|Workload|0|x")->confidence, 0.1);
     EXPECT_DOUBLE_EQ(parse("CODE|Workload|high|x")->confidence, 0.6);
     EXPECT_DOUBLE_EQ(parse("CODE|Workload| 0.7|x")->confidence, 0.6);
-    EXPECT_EQ(parse("CODE|Workload|0.7|")->rationale, "Suggested by Apple Intelligence.");
+    EXPECT_EQ(parse("CODE|Workload|0.7|")->rationale, "Suggested by the local model.");
     EXPECT_EQ(parse("CODE|Workload|0.7|a\nCODE|Workload|0.2|b")->suggestedCodeIDs.size(), 2u); // repeats kept
 }
 
@@ -138,7 +138,7 @@ TEST_F(AssistRunTest, TheModelSuggestsAndAcceptingAppliesEveryCodeWithTheWholeSe
     EXPECT_EQ(suggestion.suggestedCodeIDs, (std::vector<Uuid>{codeID(0), codeID(1)}));
     EXPECT_EQ(MibrelAssistRun::matchText(suggestion.confidence), "90% match");
     EXPECT_EQ(run.display().text,
-              "Review each match from Apple Intelligence. Accept routes through the same coding path as manual apply.");
+              "Review each match from the local model. Accept routes through the same coding path as manual apply.");
     const std::string log = testing::readText(folder / "requests.log");
     EXPECT_NE(log.find("\"context\":\"Codebook:\\n- Mentor: A colleague who guides\\n- Workload: Late hours\\n\\n"
                        "Segment:\\nMy mentor helped with the late hours.\""),
@@ -151,7 +151,7 @@ TEST_F(AssistRunTest, TheModelSuggestsAndAcceptingAppliesEveryCodeWithTheWholeSe
     ASSERT_EQ(applications.size(), 2u);
     for (const auto& application : applications) {
         EXPECT_EQ(application.excerpt, "My mentor helped with the late hours.");
-        EXPECT_EQ(application.memo, "Accepted from Merivante Intelligence (Apple Intelligence)");
+        EXPECT_EQ(application.memo, "Accepted from Merivante Intelligence (local model)");
     }
     EXPECT_TRUE(run.suggestions().empty());
 
@@ -247,16 +247,16 @@ TEST_F(AssistRunTest, OpeningTheToolAsksWhetherTheModelIsThere) {
     testing::processEventsUntil([this] { return run.intelligenceStatus().available; });
     EXPECT_EQ(run.intelligenceStatus().model, "Local model");
     EXPECT_EQ(run.inspectorStatus(),
-              std::make_pair(std::string("Apple Intelligence ready"),
+              std::make_pair(std::string("Local model ready"),
                              std::string("On-device model suggests codes when you run Suggest.")));
     EXPECT_EQ(run.display().text,
-              "Select a source, then click Suggest Codes in the inspector. Apple Intelligence is available on this Mac.");
+              "Select a source, then click Suggest Codes in the inspector. A local model is available on this computer.");
 }
 
 TEST(AppleIntelligenceStatusTest, AnyFailureReadsAsNotAvailable) {
     MibrelAppleHelperSidecar missing([]() -> fs::path { throw std::runtime_error("no helper"); });
     EXPECT_EQ(assist::status(missing),
-              (TeskAppleIntelligenceStatus{false, "Apple Intelligence", "Not available on this Mac."}));
+              (TeskAppleIntelligenceStatus{false, "the local model", "Not available on this computer."}));
 }
 
 } // namespace

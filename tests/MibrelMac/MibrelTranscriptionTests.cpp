@@ -138,7 +138,7 @@ TEST_F(TranscriptionTest, AnImportedRecordingIsCopiedAnnouncedAndTranscribed) {
     EXPECT_EQ(source(id).mediaKind, TeskMediaKind::audio);
     EXPECT_TRUE(fs::exists(sourceFolder(id) / "media.mp3"));
     EXPECT_EQ(state.latestImportNotice()->title, "Audio imported into Sources");
-    EXPECT_EQ(state.latestImportNotice()->detail, "Interview 3 is selected. Transcription will start on this Mac.");
+    EXPECT_EQ(state.latestImportNotice()->detail, "Interview 3 is selected. Transcription will start on this computer.");
     EXPECT_EQ(state.selectedSourceID(), id);
 
     EXPECT_EQ(texts(id), std::vector<std::string>{"we stayed"});
