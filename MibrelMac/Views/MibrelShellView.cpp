@@ -6,7 +6,11 @@
 #include <QFont>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -14,6 +18,7 @@
 #include "MibrelMac/State/MibrelShellUIState.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelTool.h"
+#include "MibrelMac/State/Tools/Shell/MibrelSourceListPresenter.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
 #include "MibrelMac/Views/MibrelTypography.h"
@@ -86,16 +91,64 @@ QListWidget* makeToolList(QWidget* parent) {
     return list;
 }
 
+// The title and detail are set from the presenter's empty text.
 QWidget* makeSourcesEmptyState(QWidget* parent) {
     auto* empty = new QWidget(parent);
     empty->setObjectName(QStringLiteral("shellSourcesEmpty"));
     auto* layout = new QVBoxLayout(empty);
     layout->setContentsMargins(8, 4, 8, 4);
     layout->setSpacing(4);
-    layout->addWidget(makeLabel(QStringLiteral("No sources yet"), empty, 1.0, QFont::DemiBold));
-    layout->addWidget(makeSecondaryLabel(
-        QStringLiteral("Import transcripts, audio, documents, or open-ended responses."), empty, 0.95));
+    QLabel* title = makeLabel(QString(), empty, 1.0, QFont::DemiBold);
+    title->setObjectName(QStringLiteral("shellSourcesEmptyTitle"));
+    title->setWordWrap(true);
+    layout->addWidget(title);
+    QLabel* detail = makeSecondaryLabel(QString(), empty, 0.95);
+    detail->setObjectName(QStringLiteral("shellSourcesEmptyDetail"));
+    detail->setWordWrap(true);
+    layout->addWidget(detail);
     return empty;
+}
+
+QLineEdit* makeSourceFilter(QWidget* parent) {
+    auto* filter = new QLineEdit(parent);
+    filter->setObjectName(QStringLiteral("shellSourceFilter"));
+    filter->setPlaceholderText(QStringLiteral("Filter sources"));
+    filter->setAccessibleName(QStringLiteral("Filter sources"));
+    filter->setClearButtonEnabled(true);
+    // Qt's clear button is an action without words; give it the ones a screen reader reads.
+    for (QAction* action : filter->findChildren<QAction*>()) {
+        action->setText(QStringLiteral("Clear source filter"));
+        action->setToolTip(QStringLiteral("Clear source filter"));
+    }
+    return filter;
+}
+
+// The strip above the list: the current source, whatever the filter, one click from its transcript.
+QPushButton* makeCurrentSourceStrip(QWidget* parent) {
+    auto* strip = new QPushButton(parent);
+    strip->setObjectName(QStringLiteral("shellCurrentSource"));
+    strip->setFlat(true);
+    strip->setAccessibleName(QStringLiteral("Review selected source transcript"));
+    strip->setStyleSheet(QStringLiteral("text-align: left; padding: 4px 6px;"));
+    strip->setIcon(iconForSymbol("doc.text"));
+    strip->setIconSize(QSize(16, 16));
+    strip->setFont(MibrelTypography::scaledFont(parent->font(), 1.0, QFont::DemiBold));
+    return strip;
+}
+
+QString displayLabel(const TeskSource& source) {
+    // A label erased by hand in the file would otherwise leave an invisible row.
+    const bool unnamed = source.label.find_first_not_of(" \t\r\n") == std::string::npos;
+    return unnamed ? QStringLiteral("Untitled source") : kit::qtText(source.label);
+}
+
+void fillSources(QListWidget* list, const MibrelSourceListPresenter& presenter) {
+    list->clear();
+    for (const TeskSource* source : presenter.otherSources()) {
+        auto* item = new QListWidgetItem(iconForSymbol("doc.text"), displayLabel(*source), list);
+        item->setData(Qt::UserRole, kit::qtText(source->id.uuidString()));
+        item->setSizeHint(QSize(0, rowHeight(list)));
+    }
 }
 
 QWidget* makeToolPage(MibrelTool tool, QWidget* parent) {
@@ -161,8 +214,11 @@ void fillSources(QListWidget* list, QWidget* emptyState, const MibrelSourcesStat
 struct MibrelShellView::Parts {
     QSplitter* splitter = nullptr;
     QListWidget* toolList = nullptr;
+    QLineEdit* sourceFilter = nullptr;
+    QPushButton* currentSource = nullptr;
     QListWidget* sourceList = nullptr;
     QWidget* sourcesEmpty = nullptr;
+    MibrelSourceListPresenter* sourceListPresenter = nullptr;
     QStackedWidget* toolPages = nullptr;
     QStackedWidget* inspector = nullptr;
 };
@@ -185,10 +241,18 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
     sidebarLayout->addWidget(parts.toolList);
     sidebarLayout->addSpacing(14);
     sidebarLayout->addWidget(makeSectionHeader(QStringLiteral("Sources"), sidebar));
-    // The filter field and the current source's strip will sit here, above the list.
+    parts.sourceFilter = makeSourceFilter(sidebar);
+    sidebarLayout->addWidget(parts.sourceFilter);
+    QLabel* currentCaption = makeSecondaryLabel(QStringLiteral("Current source"), sidebar, 0.85);
+    currentCaption->setContentsMargins(8, 6, 0, 0);
+    sidebarLayout->addWidget(currentCaption);
+    parts.currentSource = makeCurrentSourceStrip(sidebar);
+    sidebarLayout->addWidget(parts.currentSource);
     parts.sourceList = new QListWidget(sidebar);
+    parts.sourceList->setAccessibleName(QStringLiteral("Sources"));
+    parts.sourceList->setContextMenuPolicy(Qt::CustomContextMenu);
     parts.sourceList->setObjectName(QStringLiteral("shellSourceList"));
-    parts.sourceList->setSelectionMode(QAbstractItemView::NoSelection);
+    parts.sourceList->setSelectionMode(QAbstractItemView::SingleSelection);
     parts.sourceList->setIconSize(QSize(16, 16));
     parts.sourceList->setFrameShape(QFrame::NoFrame);
     // Long labels end in an ellipsis rather than scrolling the sidebar sideways.
@@ -231,7 +295,33 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
         m_parts->inspector->setCurrentIndex(index);
     };
     const auto showInspector = [this] { m_parts->inspector->setVisible(m_shellUI.isInspectorVisible()); };
-    const auto showSources = [this] { fillSources(m_parts->sourceList, m_parts->sourcesEmpty, m_sourcesState); };
+    parts.sourceListPresenter = new MibrelSourceListPresenter(m_sourcesState, m_shellUI, this);
+    const auto showSources = [this] { showSourceList(); };
+    connect(parts.sourceFilter, &QLineEdit::textChanged, this, [this](const QString& text) {
+        m_parts->sourceListPresenter->setFilter(text.toStdString());
+    });
+    connect(parts.sourceListPresenter, &MibrelSourceListPresenter::changed, this, showSources);
+    connect(parts.sourceListPresenter, &MibrelSourceListPresenter::pendingDeleteChanged, this,
+            [this] { confirmPendingDelete(); });
+    connect(parts.currentSource, &QPushButton::clicked, this, [this] {
+        if (const TeskSource* current = m_parts->sourceListPresenter->currentSource()) {
+            m_parts->sourceListPresenter->reviewTranscript(current->id);
+        }
+    });
+    // Choosing a row makes it the current source, which takes it out of the list: the list
+    // is refilled after the click has been handled, never inside it.
+    const auto chooseRow = [this](QListWidgetItem* item) {
+        if (const auto id = sourceID(item)) {
+            QMetaObject::invokeMethod(this, [this, id = *id] { m_sourcesState.select(id); }, Qt::QueuedConnection);
+        }
+    };
+    connect(parts.sourceList, &QListWidget::itemClicked, this, chooseRow);
+    connect(parts.sourceList, &QListWidget::itemActivated, this, chooseRow);
+    connect(parts.sourceList, &QListWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        if (const auto id = sourceID(m_parts->sourceList->itemAt(at))) {
+            showRowMenu(*id, m_parts->sourceList->viewport()->mapToGlobal(at));
+        }
+    });
 
     connect(parts.toolList, &QListWidget::currentRowChanged, this, [this](int row) {
         if (row < 0 || row >= static_cast<int>(tools.size())) return; // -1 while the list empties
@@ -239,12 +329,72 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
     });
     connect(&m_shellUI, &MibrelShellUIState::selectedToolChanged, this, showSelectedTool);
     connect(&m_shellUI, &MibrelShellUIState::inspectorVisibilityChanged, this, showInspector);
-    connect(&m_sourcesState, &MibrelSourcesState::sourcesChanged, this, showSources);
     showSelectedTool();
     showInspector();
     showSources();
 }
 
 MibrelShellView::~MibrelShellView() = default;
+
+void MibrelShellView::showSourceList() {
+    const MibrelSourceListPresenter& presenter = *m_parts->sourceListPresenter;
+    fillSources(m_parts->sourceList, presenter);
+    const TeskSource* current = presenter.currentSource();
+    m_parts->currentSource->setVisible(current != nullptr);
+    if (current) m_parts->currentSource->setText(displayLabel(*current));
+    const auto empty = presenter.emptyText();
+    m_parts->sourceList->setVisible(m_parts->sourceList->count() > 0);
+    m_parts->sourcesEmpty->setVisible(empty.has_value());
+    if (empty) {
+        m_parts->sourcesEmpty->findChild<QLabel*>(QStringLiteral("shellSourcesEmptyTitle"))->setText(kit::qtText(empty->title));
+        auto* detail = m_parts->sourcesEmpty->findChild<QLabel*>(QStringLiteral("shellSourcesEmptyDetail"));
+        detail->setText(kit::qtText(empty->detail));
+        detail->setVisible(!empty->detail.empty());
+    }
+}
+
+std::optional<platform::Uuid> MibrelShellView::sourceID(const QListWidgetItem* item) const {
+    if (item == nullptr) return std::nullopt;
+    return platform::Uuid::parse(item->data(Qt::UserRole).toString().toStdString());
+}
+
+void MibrelShellView::showRowMenu(const platform::Uuid& sourceID, const QPoint& globalPosition) {
+    MibrelSourceListPresenter& presenter = *m_parts->sourceListPresenter;
+    QMenu menu(this);
+    menu.setObjectName(QStringLiteral("shellSourceRowMenu"));
+    connect(menu.addAction(QStringLiteral("Review Transcript")), &QAction::triggered, this,
+            [&presenter, sourceID] { presenter.reviewTranscript(sourceID); });
+    if (presenter.rowMenu(sourceID).canTranscribeAgain) {
+        connect(menu.addAction(QStringLiteral("Transcribe Again")), &QAction::triggered, this,
+                [&presenter, sourceID] { presenter.transcribeAgain(sourceID); });
+    }
+    menu.addSeparator();
+    connect(menu.addAction(QStringLiteral("Delete")), &QAction::triggered, this,
+            [&presenter, sourceID] { presenter.requestDelete(sourceID); });
+    menu.exec(globalPosition);
+}
+
+// Asked without blocking, so the window stays live and tests can answer it.
+void MibrelShellView::confirmPendingDelete() {
+    MibrelSourceListPresenter& presenter = *m_parts->sourceListPresenter;
+    if (!presenter.sourcePendingDelete()) return;
+    auto* question = new QMessageBox(QMessageBox::Warning, kit::qtText(presenter.deleteTitle()),
+                                     QString::fromUtf8(MibrelSourcesState::kDeleteConfirmation), QMessageBox::NoButton,
+                                     this);
+    question->setObjectName(QStringLiteral("shellDeleteSourceDialog"));
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    QPushButton* remove = question->addButton(QStringLiteral("Delete Source"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = question->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    question->setDefaultButton(cancel);
+    question->setEscapeButton(cancel);
+    connect(question, &QMessageBox::buttonClicked, this, [&presenter, remove](QAbstractButton* button) {
+        if (button == remove) {
+            presenter.confirmDelete();
+        } else {
+            presenter.cancelDelete();
+        }
+    });
+    question->open();
+}
 
 } // namespace mibrel

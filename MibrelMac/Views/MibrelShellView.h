@@ -1,8 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include <QWidget>
+
+#include "Platform/Foundation/Uuid.h"
+
+class QListWidgetItem;
 
 namespace mibrel {
 
@@ -23,6 +28,11 @@ public:
     ~MibrelShellView() override;
 
 private:
+    void showSourceList();
+    std::optional<platform::Uuid> sourceID(const QListWidgetItem* item) const;
+    void showRowMenu(const platform::Uuid& sourceID, const QPoint& globalPosition);
+    void confirmPendingDelete();
+
     struct Parts;
     std::unique_ptr<Parts> m_parts; // pointers to the child widgets, which Qt owns
     MibrelProjectSession& m_session;

@@ -1,4 +1,8 @@
+#include <QCoreApplication>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QListWidget>
 #include <QSettings>
 #include <QStackedWidget>
@@ -11,6 +15,7 @@
 #include "MibrelMac/State/MibrelShellUIState.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelWorkspaceState.h"
+#include "MibrelMac/State/Tools/Shell/MibrelSourceListPresenter.h"
 #include "MibrelMac/Views/MibrelShellView.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
 #include "tests/support/TestSupport.h"
@@ -70,22 +75,71 @@ TEST_F(MibrelShellViewTest, SidebarPagesAndInspectorFollowTheState) {
     EXPECT_FALSE(inspector->isHidden());
 }
 
-TEST_F(MibrelShellViewTest, SourcesSectionShowsTheProjectsSourcesOrSaysThereAreNone) {
+TEST_F(MibrelShellViewTest, SourcesSectionShowsTheCurrentSourceTheFilteredRestOrWhyNothing) {
     const auto* empty = view.findChild<QWidget*>(QStringLiteral("shellSourcesEmpty"));
+    auto* filter = view.findChild<QLineEdit*>(QStringLiteral("shellSourceFilter"));
+    auto* strip = view.findChild<QPushButton*>(QStringLiteral("shellCurrentSource"));
     EXPECT_FALSE(empty->isHidden());
-    const QStringList emptyTexts{QStringLiteral("No sources yet"),
-                                 QStringLiteral("Import transcripts, audio, documents, or open-ended responses.")};
-    EXPECT_EQ(labelTexts(empty), emptyTexts);
+    EXPECT_EQ(labelTexts(empty), (QStringList{QStringLiteral("No sources yet"),
+                                              QStringLiteral("Import transcripts, audio, documents, or open-ended responses.")}));
+    EXPECT_EQ(filter->placeholderText(), QStringLiteral("Filter sources"));
+    EXPECT_EQ(strip->accessibleName(), QStringLiteral("Review selected source transcript"));
 
     TeskProjectArchive::createEmpty(folder / "Study.mvibrl", "Study", false);
-    TeskSourceStore::saveIndex({TeskSource{.label = "Interview with Ana"}}, folder / "Study.mvibrl");
-    sources.bind(folder / "Study.mvibrl");
-    EXPECT_EQ(rowTexts(sourceList), QStringList{QStringLiteral("Interview with Ana")});
+    TeskSourceStore::saveIndex({TeskSource{.label = "Interview with Ana"}, TeskSource{.label = "Interview with Ben"},
+                                TeskSource{.label = "Focus group"}},
+                               folder / "Study.mvibrl");
+    sources.bind(folder / "Study.mvibrl"); // selects the first
+    EXPECT_EQ(strip->text(), QStringLiteral("Interview with Ana"));
+    EXPECT_EQ(rowTexts(sourceList), (QStringList{QStringLiteral("Interview with Ben"), QStringLiteral("Focus group")}));
     EXPECT_TRUE(empty->isHidden());
+
+    filter->setText(QStringLiteral(" ben "));
+    EXPECT_EQ(rowTexts(sourceList), QStringList{QStringLiteral("Interview with Ben")});
+    filter->setText(QStringLiteral("survey"));
+    EXPECT_TRUE(sourceList->isHidden());
+    EXPECT_TRUE(labelTexts(empty).contains(QStringLiteral("No sources match “survey”")));
+    filter->clear();
+    EXPECT_EQ(rowTexts(sourceList).size(), 2);
 
     sources.bind(std::nullopt);
     EXPECT_TRUE(rowTexts(sourceList).isEmpty());
+    EXPECT_TRUE(strip->isHidden());
     EXPECT_FALSE(empty->isHidden());
+}
+
+// "Delete" asks first; only "Delete Source" removes the source, from the list and the disk.
+TEST_F(MibrelShellViewTest, DeletingASourceAsksFirst) {
+    const auto project = folder / "Study.mvibrl";
+    TeskProjectArchive::createEmpty(project, "Study", false);
+    sources.bind(project);
+    for (const char* name : {"Ana", "Ben"}) {
+        testing::writeText(folder / (std::string(name) + ".txt"), "Text");
+        sources.importTranscript(folder / (std::string(name) + ".txt"));
+    }
+    const auto answer = [&](const QString& button) {
+        auto* dialog = view.findChild<QMessageBox*>(QStringLiteral("shellDeleteSourceDialog"));
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Delete “Ana”?"));
+        EXPECT_EQ(dialog->text().toStdString(), MibrelSourcesState::kDeleteConfirmation);
+        for (QAbstractButton* candidate : dialog->buttons()) {
+            if (candidate->text() == button) candidate->click();
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    auto* presenter = view.findChild<MibrelSourceListPresenter*>();
+    ASSERT_NE(presenter, nullptr);
+    const platform::Uuid ana = sources.sources().front().id;
+
+    presenter->requestDelete(ana);
+    answer(QStringLiteral("Cancel"));
+    EXPECT_EQ(sources.sources().size(), 2u);
+    presenter->requestDelete(ana);
+    answer(QStringLiteral("Delete Source"));
+    EXPECT_EQ(sources.sources().size(), 1u);
+    EXPECT_EQ(TeskSourceStore::loadIndex(project).size(), 1u);
+    EXPECT_EQ(rowTexts(sourceList), QStringList());
+    EXPECT_EQ(view.findChild<QPushButton*>(QStringLiteral("shellCurrentSource"))->text(), QStringLiteral("Ben"));
 }
 
 TEST(MibrelToolIconsTest, EverySymbolAndAnUnknownOneHaveAnIcon) {
