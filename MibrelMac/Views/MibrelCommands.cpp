@@ -8,6 +8,7 @@
 #include <QUndoStack>
 
 #include "MibrelMac/App/MibrelApp.h"
+#include "MibrelMac/State/Tools/Shell/MibrelShellPresenter.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
 #include "Platform/Foundation/EnumRawValues.h"
@@ -35,6 +36,7 @@ MibrelCommands::MibrelCommands(QMainWindow& window, MibrelApp& app) : QObject(&w
     addEditMenu(window);
     addViewMenu(window);
     connect(&app.shellUI(), &MibrelShellUIState::inspectorVisibilityChanged, this, &MibrelCommands::refresh);
+    connect(&app.shellUI(), &MibrelShellUIState::selectedToolChanged, this, &MibrelCommands::refresh);
     refresh();
 }
 
@@ -134,8 +136,8 @@ void MibrelCommands::refresh() {
     m_undo->setEnabled(workspace.canUndo());
     m_redo->setText(kit::menuText(kit::qtText(workspace.redoTitle())));
     m_redo->setEnabled(workspace.canRedo());
-    m_inspectorToggle->setText(m_app.shellUI().isInspectorVisible() ? QStringLiteral("Hide Inspector")
-                                                                    : QStringLiteral("Show Inspector"));
+    m_inspectorToggle->setText(kit::qtText(MibrelShellPresenter::inspectorToggleTitle(m_app.shellUI())));
+    m_inspectorToggle->setToolTip(kit::qtText(MibrelShellPresenter::inspectorToggleHelp(m_app.shellUI())));
 }
 
 } // namespace mibrel

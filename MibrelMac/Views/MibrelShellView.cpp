@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include <QFont>
+#include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -18,6 +19,7 @@
 #include "MibrelMac/State/MibrelShellUIState.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelTool.h"
+#include "MibrelMac/State/Tools/Shell/MibrelShellPresenter.h"
 #include "MibrelMac/State/Tools/Shell/MibrelSourceListPresenter.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
@@ -136,6 +138,27 @@ QPushButton* makeCurrentSourceStrip(QWidget* parent) {
     return strip;
 }
 
+// The import toast under the tool's page: the notice's title over its detail.
+QFrame* makeImportToast(QWidget* parent) {
+    auto* toast = new QFrame(parent);
+    toast->setObjectName(QStringLiteral("shellImportToast"));
+    toast->setFrameShape(QFrame::StyledPanel);
+    toast->setBackgroundRole(QPalette::AlternateBase);
+    toast->setAutoFillBackground(true);
+    auto* layout = new QVBoxLayout(toast);
+    layout->setContentsMargins(16, 10, 16, 10);
+    layout->setSpacing(2);
+    QLabel* title = makeLabel(QString(), toast, 1.0, QFont::DemiBold);
+    title->setObjectName(QStringLiteral("shellImportToastTitle"));
+    layout->addWidget(title);
+    QLabel* detail = makeSecondaryLabel(QString(), toast);
+    detail->setObjectName(QStringLiteral("shellImportToastDetail"));
+    detail->setWordWrap(true);
+    layout->addWidget(detail);
+    toast->hide();
+    return toast;
+}
+
 QString displayLabel(const TeskSource& source) {
     // A label erased by hand in the file would otherwise leave an invisible row.
     const bool unnamed = source.label.find_first_not_of(" \t\r\n") == std::string::npos;
@@ -220,6 +243,8 @@ struct MibrelShellView::Parts {
     QWidget* sourcesEmpty = nullptr;
     MibrelSourceListPresenter* sourceListPresenter = nullptr;
     QStackedWidget* toolPages = nullptr;
+    QFrame* importToast = nullptr;
+    MibrelShellPresenter* shellPresenter = nullptr;
     QStackedWidget* inspector = nullptr;
 };
 
@@ -272,8 +297,15 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
     parts.splitter->setObjectName(QStringLiteral("shellSplitter"));
     parts.splitter->setHandleWidth(1);
     parts.splitter->setChildrenCollapsible(false);
+    auto* centre = new QWidget(this);
+    auto* centreLayout = new QVBoxLayout(centre);
+    centreLayout->setContentsMargins(0, 0, 0, 0);
+    centreLayout->setSpacing(0);
+    centreLayout->addWidget(parts.toolPages, 1);
+    parts.importToast = makeImportToast(centre);
+    centreLayout->addWidget(parts.importToast);
     parts.splitter->addWidget(sidebar);
-    parts.splitter->addWidget(parts.toolPages);
+    parts.splitter->addWidget(centre);
     parts.splitter->addWidget(parts.inspector);
     // Extra width goes to the tool's page; the side columns keep the size the user gave them.
     parts.splitter->setStretchFactor(0, 0);
@@ -295,6 +327,8 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
         m_parts->inspector->setCurrentIndex(index);
     };
     const auto showInspector = [this] { m_parts->inspector->setVisible(m_shellUI.isInspectorVisible()); };
+    parts.shellPresenter = new MibrelShellPresenter(m_sourcesState, m_shellUI, this);
+    connect(parts.shellPresenter, &MibrelShellPresenter::visibleImportNoticeChanged, this, [this] { showImportToast(); });
     parts.sourceListPresenter = new MibrelSourceListPresenter(m_sourcesState, m_shellUI, this);
     const auto showSources = [this] { showSourceList(); };
     connect(parts.sourceFilter, &QLineEdit::textChanged, this, [this](const QString& text) {
@@ -335,6 +369,15 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
 }
 
 MibrelShellView::~MibrelShellView() = default;
+
+void MibrelShellView::showImportToast() {
+    const auto& notice = m_parts->shellPresenter->visibleImportNotice();
+    m_parts->importToast->setVisible(notice.has_value());
+    if (!notice) return;
+    m_parts->importToast->findChild<QLabel*>(QStringLiteral("shellImportToastTitle"))->setText(kit::qtText(notice->title));
+    m_parts->importToast->findChild<QLabel*>(QStringLiteral("shellImportToastDetail"))->setText(kit::qtText(notice->detail));
+    m_parts->importToast->setAccessibleName(kit::qtText(notice->title + ": " + notice->detail));
+}
 
 void MibrelShellView::showSourceList() {
     const MibrelSourceListPresenter& presenter = *m_parts->sourceListPresenter;

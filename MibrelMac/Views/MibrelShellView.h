@@ -29,6 +29,7 @@ public:
 
 private:
     void showSourceList();
+    void showImportToast();
     std::optional<platform::Uuid> sourceID(const QListWidgetItem* item) const;
     void showRowMenu(const platform::Uuid& sourceID, const QPoint& globalPosition);
     void confirmPendingDelete();

@@ -108,6 +108,19 @@ TEST_F(MibrelShellViewTest, SourcesSectionShowsTheCurrentSourceTheFilteredRestOr
     EXPECT_FALSE(empty->isHidden());
 }
 
+TEST_F(MibrelShellViewTest, AnImportShowsItsToastUnderTheSourcesTool) {
+    const auto* toast = view.findChild<QWidget*>(QStringLiteral("shellImportToast"));
+    EXPECT_TRUE(toast->isHidden());
+    TeskProjectArchive::createEmpty(folder / "Study.mvibrl", "Study", false);
+    sources.bind(folder / "Study.mvibrl");
+    testing::writeText(folder / "Ana.txt", "Text");
+    sources.importTranscript(folder / "Ana.txt");
+    EXPECT_FALSE(toast->isHidden());
+    EXPECT_EQ(labelTexts(toast), (QStringList{QStringLiteral("Imported into Sources"),
+                                              QStringLiteral("Ana is selected and ready to review.")}));
+    EXPECT_EQ(pages->currentIndex(), 0);
+}
+
 // "Delete" asks first; only "Delete Source" removes the source, from the list and the disk.
 TEST_F(MibrelShellViewTest, DeletingASourceAsksFirst) {
     const auto project = folder / "Study.mvibrl";
