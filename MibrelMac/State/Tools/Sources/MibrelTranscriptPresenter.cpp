@@ -1,0 +1,123 @@
+#include "MibrelMac/State/Tools/Sources/MibrelTranscriptPresenter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "MibrelMac/State/MibrelSourcesState.h"
+#include "MibrelMac/State/MibrelWorkspaceState.h"
+#include "Platform/Text/Text.h"
+
+namespace mibrel {
+
+MibrelTranscriptPresenter::MibrelTranscriptPresenter(MibrelSourcesState& sources, MibrelWorkspaceState& workspace,
+                                                     QObject* parent)
+    : QObject(parent), m_sources(sources), m_workspace(workspace) {
+    connect(&m_sources, &MibrelSourcesState::sourcesChanged, this, &MibrelTranscriptPresenter::changed);
+    connect(&m_sources, &MibrelSourcesState::selectionChanged, this, &MibrelTranscriptPresenter::changed);
+    connect(&m_sources, &MibrelSourcesState::transcriptionChanged, this, &MibrelTranscriptPresenter::changed);
+    connect(&m_workspace, &MibrelWorkspaceState::workspaceChanged, this, &MibrelTranscriptPresenter::changed);
+}
+
+const TeskSource* MibrelTranscriptPresenter::source() const {
+    return m_sources.source(m_sources.selectedSourceID());
+}
+
+const TeskTranscript* MibrelTranscriptPresenter::transcript() const {
+    const TeskSource* current = source();
+    if (current == nullptr) return nullptr;
+    const auto found = m_sources.transcripts().find(current->id);
+    return found == m_sources.transcripts().end() ? nullptr : &found->second;
+}
+
+const TranscriptSegment* MibrelTranscriptPresenter::segment(const std::string& segmentID) const {
+    const TeskTranscript* current = transcript();
+    if (current == nullptr) return nullptr;
+    const auto found = std::find_if(current->segments.begin(), current->segments.end(),
+                                    [&](const TranscriptSegment& s) { return s.id == segmentID; });
+    return found == current->segments.end() ? nullptr : &*found;
+}
+
+std::size_t MibrelTranscriptPresenter::rowCount() const {
+    const TeskTranscript* current = transcript();
+    return current == nullptr ? 0 : current->segments.size();
+}
+
+std::size_t MibrelTranscriptPresenter::codedExcerpts(const std::string& segmentID) const {
+    const TeskSource* current = source();
+    if (current == nullptr) return 0;
+    return m_workspace.applications(TeskResponseRef{current->id, segmentID}).size();
+}
+
+MibrelTranscriptPresenter::Row MibrelTranscriptPresenter::row(std::size_t index) const {
+    const TeskTranscript& current = *transcript();
+    const TranscriptSegment& segment = current.segments.at(index);
+    Row row{segment.id, {}, segment.text, codedExcerpts(segment.id), {}};
+    if (segment.start) {
+        row.timeText = clockText(*segment.start);
+        if (segment.end && *segment.end > *segment.start) row.timeText += " – " + clockText(*segment.end);
+    }
+    row.merge = MibrelTranscriptRowEditing::mergeWithNext(m_workspace, source()->id, segment.id, current);
+    return row;
+}
+
+std::optional<std::string> MibrelTranscriptPresenter::emptyText() const {
+    if (source() == nullptr) return "Select a source in the sidebar to read its transcript.";
+    if (rowCount() == 0) return "This source has no transcript text yet.";
+    return std::nullopt;
+}
+
+MibrelTranscriptPresenter::ReviewCommand MibrelTranscriptPresenter::reviewCommand() const {
+    const TeskSource* current = source();
+    const bool reviewed = current && current->transcriptionStatus &&
+                          current->transcriptionStatus->kind == TeskTranscriptionStatusKind::reviewed;
+    if (reviewed) return {"Reviewed", "checkmark.seal", false};
+    return {"Mark Reviewed", "", current != nullptr && rowCount() > 0};
+}
+
+std::optional<std::string> MibrelTranscriptPresenter::editConfirmation(const std::string& segmentID,
+                                                                       const std::string& text) const {
+    if (!platform::text::isBlank(text)) return std::nullopt;
+    const std::size_t excerpts = codedExcerpts(segmentID);
+    if (excerpts == 0) return std::nullopt;
+    return "Delete this segment? " + std::to_string(excerpts) + " coded excerpt" + (excerpts == 1 ? "" : "s") +
+           " point" + (excerpts == 1 ? "s" : "") + " at it and will no longer resolve.";
+}
+
+void MibrelTranscriptPresenter::saveEdit(const std::string& segmentID, const std::string& text) {
+    if (const TeskSource* current = source()) m_sources.updateTranscriptSegmentText(current->id, segmentID, text);
+}
+
+std::pair<std::string, std::string> MibrelTranscriptPresenter::suggestedSplit(const std::string& segmentID) const {
+    const TranscriptSegment* found = segment(segmentID);
+    return found ? MibrelTranscriptRowEditing::suggestedSplit(found->text) : std::pair<std::string, std::string>{};
+}
+
+void MibrelTranscriptPresenter::saveSplit(const std::string& segmentID, const std::string& firstText,
+                                          const std::string& secondText) {
+    if (const TeskSource* current = source()) {
+        m_sources.splitTranscriptSegment(current->id, segmentID, firstText, secondText);
+    }
+}
+
+void MibrelTranscriptPresenter::mergeWithNext(const std::string& segmentID) {
+    const TeskSource* current = source();
+    if (current == nullptr) return;
+    if (!MibrelTranscriptRowEditing::mergeWithNext(m_workspace, current->id, segmentID, *transcript()).enabled) return;
+    m_sources.mergeTranscriptSegmentWithNext(current->id, segmentID);
+}
+
+void MibrelTranscriptPresenter::markReviewed() {
+    if (const TeskSource* current = source(); current && reviewCommand().enabled) {
+        m_sources.markTranscriptReviewed(current->id);
+    }
+}
+
+std::string MibrelTranscriptPresenter::clockText(double seconds) {
+    const long long whole = std::isfinite(seconds) ? std::llround(std::clamp(seconds, 0.0, 1e12)) : 0;
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%lld:%02lld", whole / 60, whole % 60);
+    return buffer;
+}
+
+} // namespace mibrel
