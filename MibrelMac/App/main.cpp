@@ -11,6 +11,7 @@
 #include "MibrelMac/App/MibrelSingleInstance.h"
 #include "MibrelMac/Views/MibrelMainWindow.h"
 #include "MibrelMac/Views/MibrelQtPanels.h"
+#include "Platform/Foundation/EnumRawValues.h"
 
 namespace {
 
@@ -19,7 +20,8 @@ std::vector<QUrl> openRequests(const QStringList& arguments) {
     std::vector<QUrl> requests;
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
-        if (argument == QStringLiteral("--open") || argument == QStringLiteral("--screenshot")) {
+        if (argument == QStringLiteral("--open") || argument == QStringLiteral("--screenshot") ||
+            argument == QStringLiteral("--tool")) {
             ++i; // the option's value
         } else if (argument.startsWith(QStringLiteral("merivante-mibrel:")) || argument.contains(QStringLiteral("://"))) {
             requests.push_back(QUrl(argument));
@@ -52,6 +54,15 @@ void scheduleScreenshot(const QStringList& arguments, QWidget& window) {
     });
 }
 
+// "--tool NAME" (a tool's raw name, such as "sources"): the tool shown once the window is up.
+void showRequestedTool(const QStringList& arguments, mibrel::MibrelApp& app) {
+    const qsizetype flag = arguments.indexOf(QStringLiteral("--tool"));
+    if (flag < 0 || flag + 1 >= arguments.size()) return;
+    if (const auto tool = platform::fromRawValue<mibrel::MibrelTool>(arguments[flag + 1].toStdString())) {
+        app.shellUI().setSelectedTool(*tool);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -79,7 +90,10 @@ int main(int argc, char** argv) {
         });
     }
     window.show();
-    QTimer::singleShot(0, &window, [&app] { app.rootDidAppear(); });
+    QTimer::singleShot(0, &window, [&app, &arguments] {
+        app.rootDidAppear();
+        showRequestedTool(arguments, app);
+    });
     scheduleScreenshot(arguments, window);
     return QApplication::exec();
 }

@@ -23,6 +23,7 @@
 #include "MibrelMac/State/Tools/Shell/MibrelSourceListPresenter.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
+#include "MibrelMac/Views/Sources/MibrelTranscriptView.h"
 #include "MibrelMac/Views/MibrelTypography.h"
 #include "Platform/Foundation/EnumRawValues.h"
 
@@ -165,6 +166,15 @@ QString displayLabel(const TeskSource& source) {
     return unnamed ? QStringLiteral("Untitled source") : kit::qtText(source.label);
 }
 
+// A tool whose page is built stands in place of its placeholder.
+void replacePage(QStackedWidget* stack, MibrelTool tool, QWidget* page) {
+    const int index = static_cast<int>(tool);
+    QWidget* placeholder = stack->widget(index);
+    stack->insertWidget(index, page);
+    stack->removeWidget(placeholder);
+    placeholder->deleteLater();
+}
+
 void fillSources(QListWidget* list, const MibrelSourceListPresenter& presenter) {
     list->clear();
     for (const TeskSource* source : presenter.otherSources()) {
@@ -289,6 +299,7 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
     sidebarLayout->addStretch();
 
     parts.toolPages = makeStack(QStringLiteral("shellToolPages"), QPalette::Base, makeToolPage, this);
+    replacePage(parts.toolPages, MibrelTool::sources, new MibrelTranscriptView(m_sourcesState, m_workspaceState));
     parts.toolPages->setMinimumWidth(320);
     parts.inspector = makeStack(QStringLiteral("shellInspector"), QPalette::Window, makeInspectorPanel, this);
     parts.inspector->setMinimumWidth(220);

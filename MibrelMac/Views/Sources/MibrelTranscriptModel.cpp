@@ -1,0 +1,42 @@
+#include "MibrelMac/Views/Sources/MibrelTranscriptModel.h"
+
+#include "MibrelMac/State/Tools/Sources/MibrelTranscriptPresenter.h"
+#include "MibrelMac/Views/Kit/MibrelKitText.h"
+
+namespace mibrel {
+
+MibrelTranscriptModel::MibrelTranscriptModel(MibrelTranscriptPresenter& presenter, QObject* parent)
+    : QAbstractListModel(parent), m_presenter(presenter) {
+    // Any change may add, remove or renumber segments: the list is read afresh.
+    connect(&m_presenter, &MibrelTranscriptPresenter::changed, this, [this] {
+        beginResetModel();
+        endResetModel();
+    });
+}
+
+int MibrelTranscriptModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_presenter.rowCount());
+}
+
+QVariant MibrelTranscriptModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount()) return {};
+    const auto row = m_presenter.row(static_cast<std::size_t>(index.row()));
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole: return kit::qtText(row.text);
+    case Qt::AccessibleTextRole:
+        return row.timeText.empty() ? kit::qtText(row.text) : kit::qtText(row.timeText + ": " + row.text);
+    case TimeRole: return kit::qtText(row.timeText);
+    case SegmentIDRole: return kit::qtText(row.segmentID);
+    case CodedExcerptsRole: return static_cast<qulonglong>(row.codedExcerpts);
+    case MergeEnabledRole: return row.merge.enabled;
+    case MergeTooltipRole: return kit::qtText(row.merge.tooltip);
+    default: return {};
+    }
+}
+
+Qt::ItemFlags MibrelTranscriptModel::flags(const QModelIndex& index) const {
+    return QAbstractListModel::flags(index) | Qt::ItemIsEditable;
+}
+
+} // namespace mibrel
