@@ -23,6 +23,7 @@
 #include "MibrelMac/State/Tools/Shell/MibrelSourceListPresenter.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
 #include "MibrelMac/Views/MibrelToolIcons.h"
+#include "MibrelMac/Views/Sources/MibrelSourceInspectorPanel.h"
 #include "MibrelMac/Views/Sources/MibrelTranscriptView.h"
 #include "MibrelMac/Views/MibrelTypography.h"
 #include "Platform/Foundation/EnumRawValues.h"
@@ -302,6 +303,7 @@ MibrelShellView::MibrelShellView(MibrelProjectSession& session, MibrelSourcesSta
     replacePage(parts.toolPages, MibrelTool::sources, new MibrelTranscriptView(m_sourcesState, m_workspaceState));
     parts.toolPages->setMinimumWidth(320);
     parts.inspector = makeStack(QStringLiteral("shellInspector"), QPalette::Window, makeInspectorPanel, this);
+    replacePage(parts.inspector, MibrelTool::sources, new MibrelSourceInspectorPanel(m_sourcesState, m_workspaceState));
     parts.inspector->setMinimumWidth(220);
 
     parts.splitter = new QSplitter(Qt::Horizontal, this);

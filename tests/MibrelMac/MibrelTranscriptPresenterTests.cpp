@@ -1,4 +1,5 @@
 #include "MibrelMac/State/Tools/Sources/MibrelTranscriptPresenter.h"
+#include "MibrelMac/State/Tools/Sources/MibrelSourceInspectorPresenter.h"
 
 #include <QSettings>
 #include <gtest/gtest.h>
@@ -108,6 +109,26 @@ TEST_F(MibrelTranscriptPresenterTest, SplittingAndReviewingSaveAtOnce) {
     const TeskSource& saved = index[0];
     ASSERT_TRUE(saved.transcriptionStatus);
     EXPECT_EQ(saved.transcriptionStatus->kind, TeskTranscriptionStatusKind::reviewed);
+}
+
+// The inspector renames through the source's record and counts what the transcript holds.
+TEST_F(MibrelTranscriptPresenterTest, TheInspectorRenamesAndCountsTheSelectedSource) {
+    using Field = MibrelSourceInspectorPresenter::Field;
+    MibrelSourceInspectorPresenter inspector(sources, workspace);
+    workspace.addApplication(TeskResponseRef{source.id, "a"}, code, "school", "");
+    workspace.addCode("Pay", "");
+    workspace.addApplication(TeskResponseRef{source.id, "a"}, workspace.workspace().codes[1].id, "stayed", "");
+    workspace.addApplication(TeskResponseRef{source.id, "b"}, code, "pay", "");
+    EXPECT_EQ(inspector.counts(), (std::vector<Field>{{"Segments", "3"}, {"Words", "11"}, {"Coded segments", "2"},
+                                                       {"Applications", "3"}, {"Media notes", "0"}}));
+    EXPECT_EQ(inspector.details().front(), (Field{"Kind", "Text"}));
+
+    inspector.rename("   ");
+    EXPECT_EQ(TeskSourceStore::loadIndex(project)[0].label, "Interview Ana");
+    inspector.rename("  Ana, second visit ");
+    EXPECT_EQ(TeskSourceStore::loadIndex(project)[0].label, "Ana, second visit");
+    sources.select(std::nullopt);
+    EXPECT_TRUE(inspector.counts().empty());
 }
 
 } // namespace
