@@ -81,6 +81,7 @@ QLabel* makeSectionHeader(const QString& text, QWidget* parent) {
 QListWidget* makeToolList(QWidget* parent) {
     auto* list = new QListWidget(parent);
     list->setObjectName(QStringLiteral("shellToolList"));
+    list->setAccessibleName(QStringLiteral("Workflow"));
     list->setIconSize(QSize(18, 18));
     list->setFrameShape(QFrame::NoFrame);
     list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

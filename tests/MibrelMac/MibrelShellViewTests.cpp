@@ -1,4 +1,7 @@
+#include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QCoreApplication>
+#include <QPlainTextEdit>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -153,6 +156,26 @@ TEST_F(MibrelShellViewTest, DeletingASourceAsksFirst) {
     EXPECT_EQ(TeskSourceStore::loadIndex(project).size(), 1u);
     EXPECT_EQ(rowTexts(sourceList), QStringList());
     EXPECT_EQ(view.findChild<QPushButton*>(QStringLiteral("shellCurrentSource"))->text(), QStringLiteral("Ben"));
+}
+
+// The window is driven through the accessibility tree: a control without a name is not there.
+TEST_F(MibrelShellViewTest, EveryControlHasAName) {
+    TeskProjectArchive::createEmpty(folder / "Study.mvibrl", "Study", false);
+    TeskSourceStore::saveIndex({TeskSource{.label = "Interview with Ana"}, TeskSource{.label = "Focus group"}},
+                               folder / "Study.mvibrl");
+    sources.bind(folder / "Study.mvibrl");
+    view.findChild<QLineEdit*>(QStringLiteral("shellSourceFilter"))->setText(QStringLiteral("a"));
+    QStringList unnamed;
+    for (QWidget* control : view.findChildren<QWidget*>()) {
+        const bool isControl = qobject_cast<QAbstractButton*>(control) || qobject_cast<QLineEdit*>(control) ||
+                               qobject_cast<QAbstractItemView*>(control) || qobject_cast<QPlainTextEdit*>(control);
+        if (!isControl || control->isHidden()) continue;
+        const auto* button = qobject_cast<QAbstractButton*>(control);
+        const bool named = !control->accessibleName().isEmpty() || (button && !button->text().isEmpty()) ||
+                           (button && !button->toolTip().isEmpty());
+        if (!named) unnamed << QString::fromUtf8(control->metaObject()->className()) + u' ' + control->objectName();
+    }
+    EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(QStringLiteral(", ")).toStdString();
 }
 
 TEST(MibrelToolIconsTest, EverySymbolAndAnUnknownOneHaveAnIcon) {
