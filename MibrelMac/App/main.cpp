@@ -1,8 +1,10 @@
+#include <memory>
 #include <vector>
 
 #include <QApplication>
 #include <QDir>
 #include <QSettings>
+#include <QThreadPool>
 #include <QTimer>
 #include <QUrl>
 
@@ -43,15 +45,24 @@ std::vector<QUrl> forwardedRequests(const QStringList& arguments) {
     return requests;
 }
 
-// "--screenshot FILE": saves a picture of the window once it has settled, then quits.
+// "--screenshot FILE": saves a picture of the window once background work has finished
+// (the pool of worker threads is idle twice in a row), then quits; after ten seconds it
+// takes the picture anyway.
 void scheduleScreenshot(const QStringList& arguments, QWidget& window) {
     const qsizetype flag = arguments.indexOf(QStringLiteral("--screenshot"));
     if (flag < 0 || flag + 1 >= arguments.size()) return;
     const QString file = arguments[flag + 1];
-    QTimer::singleShot(1500, &window, [&window, file] {
+    auto* poll = new QTimer(&window);
+    auto idleTicks = std::make_shared<int>(0);
+    auto ticks = std::make_shared<int>(0);
+    QObject::connect(poll, &QTimer::timeout, &window, [&window, file, poll, idleTicks, ticks] {
+        *idleTicks = QThreadPool::globalInstance()->activeThreadCount() == 0 ? *idleTicks + 1 : 0;
+        if (*idleTicks < 3 && ++*ticks < 100) return;
+        poll->stop();
         window.grab().save(file);
         QApplication::quit();
     });
+    poll->start(200);
 }
 
 // "--tool NAME" (a tool's raw name, such as "sources"): the tool shown once the window is up.

@@ -10,7 +10,7 @@
 #include "MibrelMac/App/MibrelApp.h"
 #include "MibrelMac/State/Tools/Shell/MibrelShellPresenter.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
-#include "MibrelMac/Views/MibrelToolIcons.h"
+#include "MibrelMac/Views/Kit/MibrelToolIcons.h"
 #include "Platform/Foundation/EnumRawValues.h"
 
 namespace mibrel {

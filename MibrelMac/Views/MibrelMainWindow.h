@@ -32,9 +32,6 @@ private:
     // in the middle of the operation that reported the problem.
     void alertWhenSet(const QString& title, const std::optional<std::string>& message, std::function<void()> clear);
     void openSampleProject();
-    void askAboutDamagedWorkspace();
-    void showResponsesImportSheet();
-    void askForSpeechApproval();
     void buildToolbar();
 
     MibrelApp& m_app;

@@ -28,7 +28,7 @@
 #include "MibrelMac/State/MibrelDataFiles.h"
 #include "MibrelMac/State/MibrelProjectSession.h"
 #include "MibrelMac/State/MibrelRecentProjectsStore.h"
-#include "MibrelMac/Views/MibrelTypography.h"
+#include "MibrelMac/Views/Kit/MibrelTypography.h"
 #include "Platform/Files/FileSystem.h"
 
 namespace mibrel {

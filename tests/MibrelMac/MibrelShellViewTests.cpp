@@ -6,21 +6,28 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QListView>
 #include <QListWidget>
+#include <QTest>
 #include <QSettings>
 #include <QStackedWidget>
 #include <gtest/gtest.h>
 
 #include "MibrelCore/Storage/TeskProjectArchive.h"
 #include "MibrelCore/Storage/TeskSourceStore.h"
+#include "MibrelCore/Storage/TeskWorkspaceStore.h"
 #include "MibrelMac/State/MibrelProjectSession.h"
 #include "MibrelMac/State/MibrelScriptedPanels.h"
 #include "MibrelMac/State/MibrelShellUIState.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelWorkspaceState.h"
 #include "MibrelMac/State/Tools/Shell/MibrelSourceListPresenter.h"
-#include "MibrelMac/Views/MibrelShellView.h"
-#include "MibrelMac/Views/MibrelToolIcons.h"
+#include "MibrelMac/State/Tools/Shell/MibrelShellPresenter.h"
+#include "MibrelMac/Views/Kit/MibrelToolIcons.h"
+#include "MibrelMac/Views/Shell/MibrelInspectorView.h"
+#include "MibrelMac/Views/Shell/MibrelShellDialogs.h"
+#include "MibrelMac/Views/Shell/MibrelShellView.h"
+#include "MibrelMac/Views/Shell/MibrelToolTable.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel {
@@ -30,6 +37,26 @@ QStringList rowTexts(const QListWidget* list) {
     QStringList result;
     for (int row = 0; row < list->count(); ++row) result << list->item(row)->text();
     return result;
+}
+
+QStringList rowTexts(const QListView* list) {
+    QStringList result;
+    for (int row = 0; row < list->model()->rowCount(); ++row) result << list->model()->index(row, 0).data().toString();
+    return result;
+}
+
+// Lets queued dialogs open and closed ones go.
+void settle() {
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+}
+
+void click(QMessageBox* box, const QString& title) {
+    for (QAbstractButton* button : box->buttons()) {
+        if (button->text() == title) return button->click();
+    }
+    ADD_FAILURE() << "no button " << title.toStdString();
 }
 
 QStringList labelTexts(const QWidget* root) {
@@ -51,7 +78,20 @@ protected:
     QListWidget* toolList = view.findChild<QListWidget*>(QStringLiteral("shellToolList"));
     QStackedWidget* pages = view.findChild<QStackedWidget*>(QStringLiteral("shellToolPages"));
     QStackedWidget* inspector = view.findChild<QStackedWidget*>(QStringLiteral("shellInspector"));
-    QListWidget* sourceList = view.findChild<QListWidget*>(QStringLiteral("shellSourceList"));
+    QListView* sourceList = view.findChild<QListView*>(QStringLiteral("shellSourceList"));
+
+    QMessageBox* openBox() const { return qobject_cast<QMessageBox*>(view.dialogs().openDialog()); }
+
+    void bindStudy() {
+        TeskProjectArchive::createEmpty(folder / "Study.mvibrl", "Study", false);
+        sources.bind(folder / "Study.mvibrl");
+        workspace.bind(folder / "Study.mvibrl");
+    }
+
+    void importDocument(const std::string& name) {
+        testing::writeText(folder / (name + ".txt"), "Text of " + name);
+        sources.importTranscript(folder / (name + ".txt"));
+    }
 };
 
 TEST_F(MibrelShellViewTest, SidebarPagesAndInspectorFollowTheState) {
@@ -70,6 +110,20 @@ TEST_F(MibrelShellViewTest, SidebarPagesAndInspectorFollowTheState) {
     EXPECT_EQ(toolList->currentRow(), 9);
     EXPECT_EQ(pages->currentIndex(), 9);
     EXPECT_TRUE(labelTexts(inspector->currentWidget()).contains(QStringLiteral("Rigor")));
+
+    // Each tool has its own inspector panel.
+    for (MibrelTool tool : platform::allCases<MibrelTool>()) {
+        shellUI.setSelectedTool(tool);
+        EXPECT_EQ(inspector->currentWidget()->objectName().toStdString(), inspectorPanelName(tool));
+        EXPECT_EQ(pages->currentWidget(), view.toolPage(tool));
+    }
+
+    // The arrow keys walk the workflow.
+    shellUI.setSelectedTool(MibrelTool::sources);
+    QTest::keyClick(toolList, Qt::Key_Down);
+    EXPECT_EQ(shellUI.selectedTool(), MibrelTool::firstRead);
+    QTest::keyClick(toolList, Qt::Key_End);
+    EXPECT_EQ(shellUI.selectedTool(), MibrelTool::report);
 
     EXPECT_FALSE(inspector->isHidden());
     shellUI.setInspectorVisible(false);
@@ -122,6 +176,17 @@ TEST_F(MibrelShellViewTest, AnImportShowsItsToastUnderTheSourcesTool) {
     EXPECT_EQ(labelTexts(toast), (QStringList{QStringLiteral("Imported into Sources"),
                                               QStringLiteral("Ana is selected and ready to review.")}));
     EXPECT_EQ(pages->currentIndex(), 0);
+
+    // A second notice keeps the toast up when the first one's time runs out.
+    const platform::Uuid first = sources.latestImportNotice()->id;
+    testing::writeText(folder / "Ben.txt", "Text");
+    sources.importTranscript(folder / "Ben.txt");
+    auto* presenter = view.findChild<MibrelShellPresenter*>();
+    presenter->expireNotice(first);
+    EXPECT_FALSE(toast->isHidden());
+    EXPECT_TRUE(labelTexts(toast).contains(QStringLiteral("Ben is selected and ready to review.")));
+    presenter->expireNotice(sources.latestImportNotice()->id);
+    EXPECT_TRUE(toast->isHidden());
 }
 
 // "Delete" asks first; only "Delete Source" removes the source, from the list and the disk.
@@ -134,14 +199,14 @@ TEST_F(MibrelShellViewTest, DeletingASourceAsksFirst) {
         sources.importTranscript(folder / (std::string(name) + ".txt"));
     }
     const auto answer = [&](const QString& button) {
-        auto* dialog = view.findChild<QMessageBox*>(QStringLiteral("shellDeleteSourceDialog"));
+        settle();
+        QMessageBox* dialog = openBox();
         ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->objectName(), QStringLiteral("shellDeleteSourceDialog"));
         EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Delete “Ana”?"));
         EXPECT_EQ(dialog->text().toStdString(), MibrelSourcesState::kDeleteConfirmation);
-        for (QAbstractButton* candidate : dialog->buttons()) {
-            if (candidate->text() == button) candidate->click();
-        }
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        click(dialog, button);
+        settle();
     };
     auto* presenter = view.findChild<MibrelSourceListPresenter*>();
     ASSERT_NE(presenter, nullptr);
@@ -156,6 +221,78 @@ TEST_F(MibrelShellViewTest, DeletingASourceAsksFirst) {
     EXPECT_EQ(TeskSourceStore::loadIndex(project).size(), 1u);
     EXPECT_EQ(rowTexts(sourceList), QStringList());
     EXPECT_EQ(view.findChild<QPushButton*>(QStringLiteral("shellCurrentSource"))->text(), QStringLiteral("Ben"));
+    EXPECT_EQ(openBox(), nullptr);
+}
+
+// The keyboard reaches a source: arrows move along the list, Enter makes it current,
+// Delete asks to delete it.
+TEST_F(MibrelShellViewTest, TheSourceListIsDrivenByTheKeyboard) {
+    bindStudy();
+    for (const char* name : {"Ana", "Ben", "Cleo"}) importDocument(name);
+    sources.select(sources.sources().front().id); // Ana is current; Ben and Cleo are listed
+    view.show();
+    sourceList->setFocus();
+    sourceList->setCurrentIndex(sourceList->model()->index(0, 0));
+    QTest::keyClick(sourceList, Qt::Key_Down);
+    EXPECT_EQ(sourceList->currentIndex().data().toString(), QStringLiteral("Cleo"));
+    QTest::keyClick(sourceList, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(sources.source(sources.selectedSourceID())->label, "Cleo");
+
+    sourceList->setCurrentIndex(sourceList->model()->index(0, 0));
+    QTest::keyClick(sourceList, Qt::Key_Delete);
+    settle();
+    ASSERT_NE(openBox(), nullptr);
+    EXPECT_EQ(openBox()->windowTitle(), QStringLiteral("Delete “Ana”?"));
+    QTest::keyClick(openBox(), Qt::Key_Escape); // Escape is Cancel
+    settle();
+    EXPECT_EQ(openBox(), nullptr);
+    EXPECT_EQ(sources.sources().size(), 3u);
+}
+
+// Problems reported together are shown one after another, each answered by its own button.
+TEST_F(MibrelShellViewTest, AlertsFollowOneAnotherAndClearTheirProblem) {
+    bindStudy();
+    view.show();
+    workspace.setLastError("The disk is full.");
+    sources.setLastError("The file could not be read.");
+    settle();
+    ASSERT_NE(openBox(), nullptr);
+    EXPECT_EQ(openBox()->windowTitle(), QStringLiteral("Mibrel"));
+    EXPECT_EQ(openBox()->text(), QStringLiteral("The file could not be read."));
+    click(openBox(), QStringLiteral("OK"));
+    settle();
+    EXPECT_FALSE(sources.lastError());
+    ASSERT_NE(openBox(), nullptr);
+    EXPECT_EQ(openBox()->windowTitle(), QStringLiteral("Save Problem"));
+    click(openBox(), QStringLiteral("OK"));
+    settle();
+    EXPECT_FALSE(workspace.lastError());
+    EXPECT_EQ(openBox(), nullptr);
+}
+
+// With the workspace unreadable the researcher must choose: Escape and closing do nothing.
+TEST_F(MibrelShellViewTest, TheCannotBeSavedDialogHasNoWayOutButItsCommands) {
+    TeskProjectArchive::createEmpty(folder / "Study.mvibrl", "Study", false);
+    testing::writeText(TeskWorkspaceStore::workspaceURL(folder / "Study.mvibrl"), "{ not json");
+    view.show();
+    workspace.bind(folder / "Study.mvibrl");
+    settle();
+    QMessageBox* box = openBox();
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->windowTitle(), QStringLiteral("This Project Cannot Be Saved"));
+    QStringList buttons;
+    for (QAbstractButton* button : box->buttons()) buttons << button->text();
+    buttons.sort();
+    EXPECT_EQ(buttons, (QStringList{QStringLiteral("Close Project"), QStringLiteral("Set Aside Damaged File and Continue")}));
+    QTest::keyClick(box, Qt::Key_Escape);
+    box->close();
+    settle();
+    EXPECT_EQ(openBox(), box);
+    click(box, QStringLiteral("Set Aside Damaged File and Continue"));
+    settle();
+    EXPECT_EQ(openBox(), nullptr);
+    EXPECT_FALSE(workspace.loadFailureMessage());
 }
 
 // The window is driven through the accessibility tree: a control without a name is not there.

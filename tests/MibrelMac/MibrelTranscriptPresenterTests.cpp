@@ -112,6 +112,35 @@ TEST_F(MibrelTranscriptPresenterTest, SplittingAndReviewingSaveAtOnce) {
 }
 
 // The inspector renames through the source's record and counts what the transcript holds.
+// Only a recording has a transcription state; the first request asks for approval, and
+// nothing more can be started until it is answered.
+TEST_F(MibrelTranscriptPresenterTest, ARecordingShowsItsTranscriptionAndCanRunItAgain) {
+    EXPECT_FALSE(presenter.transcription());
+    EXPECT_FALSE(presenter.media());
+    EXPECT_FALSE(presenter.row(0).start);
+
+    TeskSource recording = *sources.source(source.id);
+    recording.mediaFilename = "interview.m4a";
+    recording.mediaKind = TeskMediaKind::audio;
+    sources.updateSource(recording);
+    EXPECT_FALSE(presenter.media()); // the file is not there: the transcript stays usable
+    EXPECT_EQ(presenter.row(2).start, 0.0); // an untimed row plays from the start
+    auto state = presenter.transcription();
+    ASSERT_TRUE(state);
+    EXPECT_EQ(state->summary.title, "Transcribed");
+    EXPECT_EQ(state->summary.detail, "3 segments available.");
+    EXPECT_EQ(state->coverage, "Coverage 12s-62:05; 11 words; 3 segments");
+    EXPECT_EQ(state->transcribeTitle, "Transcribe Again");
+    EXPECT_TRUE(state->canTranscribe);
+    EXPECT_FALSE(state->running);
+
+    presenter.transcribe();
+    state = presenter.transcription();
+    EXPECT_EQ(state->summary.title, "Approval needed");
+    EXPECT_FALSE(state->canTranscribe);
+    EXPECT_EQ(savedTexts().size(), 3u); // the transcript is untouched while waiting
+}
+
 TEST_F(MibrelTranscriptPresenterTest, TheInspectorRenamesAndCountsTheSelectedSource) {
     using Field = MibrelSourceInspectorPresenter::Field;
     MibrelSourceInspectorPresenter inspector(sources, workspace);

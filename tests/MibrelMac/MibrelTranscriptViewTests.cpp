@@ -2,11 +2,15 @@
 
 #include <QAbstractButton>
 #include <QCoreApplication>
+#include <QDialog>
 #include <QListView>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QLineEdit>
 #include <QSettings>
+#include <QSignalSpy>
+#include <QTreeView>
 #include <gtest/gtest.h>
 
 #include "MibrelCore/Storage/TeskProjectArchive.h"
@@ -14,7 +18,12 @@
 #include "MibrelMac/State/MibrelScriptedPanels.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelWorkspaceState.h"
+#include "MibrelMac/State/Tools/Sources/MibrelMediaNotesPresenter.h"
 #include "MibrelMac/State/Tools/Sources/MibrelTranscriptPresenter.h"
+#include "MibrelMac/Views/Kit/MibrelKitPill.h"
+#include "MibrelMac/Views/Player/MibrelAudioPlayer.h"
+#include "MibrelMac/Views/Sources/MibrelMediaNotesPanel.h"
+#include "MibrelMac/Views/Sources/MibrelTranscriptModel.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel {
@@ -38,6 +47,16 @@ protected:
         return texts;
     }
 
+    // Gives the source a recording (a copy of a fixture) and a transcript status.
+    void makeRecording() {
+        TeskSource recording = *sources.source(source.id);
+        recording.mediaFilename = "speech.m4a";
+        recording.mediaKind = TeskMediaKind::audio;
+        std::filesystem::copy_file(std::filesystem::path(MIBREL_MEDIA_FIXTURES) / "speech.m4a",
+                                   TeskSourceStore::sourceDirectory(project, source.id) / "speech.m4a");
+        sources.updateSource(recording);
+    }
+
     void answer(const QString& button) {
         auto* dialog = view.findChild<QMessageBox*>(QStringLiteral("transcriptDeleteSegmentDialog"));
         ASSERT_NE(dialog, nullptr);
@@ -54,7 +73,8 @@ protected:
     MibrelScriptedPanels panels;
     MibrelSourcesState sources{panels, &settings};
     MibrelWorkspaceState workspace;
-    MibrelTranscriptView view{sources, workspace};
+    MibrelAudioPlayer player; // no audio output: tests need no sound device
+    MibrelTranscriptView view{sources, workspace, player};
     QListView* list = view.findChild<QListView*>(QStringLiteral("transcriptSegments"));
 };
 
@@ -87,6 +107,75 @@ TEST_F(MibrelTranscriptViewTest, EmptyingASegmentWithEvidenceWaitsForTheAnswer) 
     view.commitEdit(QStringLiteral("b"), QString());
     answer(QStringLiteral("Delete Segment"));
     EXPECT_EQ(savedTexts(), std::vector<std::string>{"First answer."});
+}
+
+TEST_F(MibrelTranscriptViewTest, SplitFillsTheSuggestionAndMergeIsGuardedByEvidence) {
+    TeskSourceStore::saveTranscript(
+        TeskTranscript{{{"a", 10.0, 20.0, "one two three four"}, {"b", 20.0, 24.0, "Second answer."}}}, source.id,
+        project);
+    sources.bind(project);
+    view.splitSegment(QStringLiteral("a"));
+    auto* dialog = view.findChild<QDialog*>(QStringLiteral("transcriptSplitDialog"));
+    ASSERT_NE(dialog, nullptr);
+    const auto halves = dialog->findChildren<QPlainTextEdit*>();
+    ASSERT_EQ(halves.size(), 2);
+    EXPECT_EQ(halves[0]->toPlainText(), QStringLiteral("one two"));
+    EXPECT_EQ(halves[1]->toPlainText(), QStringLiteral("three four"));
+    for (QAbstractButton* button : dialog->findChildren<QAbstractButton*>()) {
+        if (button->text() == QStringLiteral("Split")) button->click();
+    }
+    const auto saved = TeskSourceStore::loadTranscript(source.id, project).segments;
+    ASSERT_EQ(saved.size(), 3u);
+    EXPECT_EQ(saved[0].end, 15.0);
+    EXPECT_EQ(saved[1].start, 15.0);
+    EXPECT_EQ(saved[1].text, "three four");
+
+    // Evidence on the next segment blocks the merge, with the reason as the tooltip.
+    workspace.addCode("Workload", "");
+    workspace.addApplication(TeskResponseRef{source.id, "b"}, workspace.workspace().codes[0].id, "Second", "");
+    const QModelIndex second = list->model()->index(1, 0);
+    EXPECT_FALSE(second.data(MibrelTranscriptModel::MergeEnabledRole).toBool());
+    EXPECT_EQ(second.data(MibrelTranscriptModel::MergeTooltipRole).toString(),
+              QStringLiteral("Next segment has coded evidence; remove or move codes before merging."));
+    view.presenter().mergeWithNext(saved[1].id);
+    EXPECT_EQ(TeskSourceStore::loadTranscript(source.id, project).segments.size(), 3u);
+    view.presenter().mergeWithNext(saved[0].id);
+    EXPECT_EQ(TeskSourceStore::loadTranscript(source.id, project).segments.front().text, "one two three four");
+}
+
+// A recording shows its status, its player and its notes; a note is stamped with the
+// player's time, and clicking a note's time asks the player to go there.
+TEST_F(MibrelTranscriptViewTest, ARecordingHasStatusPlayerAndTimedNotes) {
+    auto* notes = view.findChild<MibrelMediaNotesPanel*>();
+    ASSERT_NE(notes, nullptr);
+    EXPECT_TRUE(notes->isHidden()); // a text source has no notes
+    makeRecording();
+    EXPECT_FALSE(notes->isHidden());
+    auto* status = view.findChild<MibrelKitPill*>(QStringLiteral("transcriptStatus"));
+    EXPECT_EQ(status->text(), QStringLiteral("Transcribed"));
+    EXPECT_EQ(view.findChild<QPushButton*>(QStringLiteral("transcriptTranscribe"))->text(),
+              QStringLiteral("Transcribe Again"));
+
+    auto* draft = notes->findChild<QLineEdit*>(QStringLiteral("mediaNoteDraft"));
+    draft->setText(QStringLiteral("  Long pause before answering  "));
+    const double stamped = player.currentTimeSeconds();
+    notes->findChild<QPushButton*>(QStringLiteral("mediaNoteAdd"))->click();
+    const auto saved = TeskSourceStore::loadIndex(project).front().mediaNotes;
+    ASSERT_EQ(saved.size(), 1u);
+    EXPECT_EQ(saved[0].text, "Long pause before answering");
+    EXPECT_DOUBLE_EQ(saved[0].timestamp, stamped);
+    EXPECT_TRUE(draft->text().isEmpty());
+
+    // A blank edit deletes the note.
+    notes->presenter().edit(saved[0].id, "   ");
+    EXPECT_TRUE(TeskSourceStore::loadIndex(project).front().mediaNotes.empty());
+
+    notes->presenter().add(2.5, "Laughter");
+    QSignalSpy seeks(notes, &MibrelMediaNotesPanel::seekRequested);
+    auto* noteList = notes->findChild<QTreeView*>(QStringLiteral("mediaNotesList"));
+    emit noteList->clicked(noteList->model()->index(0, 0));
+    ASSERT_EQ(seeks.size(), 1);
+    EXPECT_DOUBLE_EQ(seeks[0][0].toDouble(), 2.5);
 }
 
 } // namespace

@@ -1,13 +1,18 @@
 #include "MibrelMac/Views/Sources/MibrelSourceInspectorPanel.h"
 
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QVBoxLayout>
 
 #include "MibrelMac/State/Tools/Sources/MibrelSourceInspectorPresenter.h"
+#include "MibrelMac/Views/Kit/MibrelDesign.h"
+#include "MibrelMac/Views/Kit/MibrelKitEmptyState.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
-#include "MibrelMac/Views/MibrelTypography.h"
+#include "MibrelMac/Views/Kit/MibrelKitTile.h"
+#include "MibrelMac/Views/Kit/MibrelTypography.h"
+#include "MibrelMac/Views/Player/MibrelAudioPlayer.h"
 
 namespace mibrel {
 namespace {
@@ -31,48 +36,45 @@ void fillForm(QFormLayout* form, const std::vector<MibrelSourceInspectorPresente
     }
 }
 
-QLabel* sectionHeader(const QString& text, QWidget* parent) {
-    return MibrelTypography::makeLabel(text, MibrelTypography::scaledFont(parent->font(), 0.9, QFont::DemiBold), true,
-                                       parent);
-}
-
 } // namespace
 
 MibrelSourceInspectorPanel::MibrelSourceInspectorPanel(MibrelSourcesState& sources, MibrelWorkspaceState& workspace,
-                                                       QWidget* parent)
-    : QWidget(parent), m_presenter(new MibrelSourceInspectorPresenter(sources, workspace, this)) {
-    setObjectName(QStringLiteral("sourceInspector"));
+                                                       const MibrelAudioPlayer& player, QWidget* parent)
+    : QWidget(parent), m_presenter(new MibrelSourceInspectorPresenter(sources, workspace, this)), m_player(player) {
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 16, 16, 16);
-    layout->setSpacing(8);
-    layout->addWidget(sectionHeader(QStringLiteral("Inspector"), this));
-    m_empty = MibrelTypography::makeLabel(QString::fromUtf8(MibrelSourceInspectorPresenter::kEmptyText),
-                                          MibrelTypography::scaledFont(font(), 1.0), true, this);
-    m_empty->setWordWrap(true);
+    layout->setContentsMargins(design::panelMargin, design::panelMargin, design::panelMargin, design::panelMargin);
+    layout->setSpacing(design::itemSpacing);
+    layout->addWidget(MibrelTypography::sectionHeader(QStringLiteral("Inspector"), this));
+    m_empty = new MibrelKitEmptyState(QStringLiteral("No source selected"),
+                                      QString::fromUtf8(MibrelSourceInspectorPresenter::kEmptyText), this);
     layout->addWidget(m_empty);
-
     m_content = new QWidget(this);
     auto* content = new QVBoxLayout(m_content);
     content->setContentsMargins(0, 0, 0, 0);
-    content->setSpacing(8);
-    content->addWidget(sectionHeader(QStringLiteral("Label"), m_content));
+    content->setSpacing(design::itemSpacing);
+    content->addWidget(MibrelTypography::sectionHeader(QStringLiteral("Label"), m_content));
     m_label = new QLineEdit(m_content);
     m_label->setObjectName(QStringLiteral("sourceInspectorLabel"));
     m_label->setAccessibleName(QStringLiteral("Label"));
     content->addWidget(m_label);
     content->addSpacing(6);
-    content->addWidget(sectionHeader(QStringLiteral("Details"), m_content));
+    content->addWidget(MibrelTypography::sectionHeader(QStringLiteral("Details"), m_content));
     m_details = makeForm();
     content->addLayout(m_details);
+    m_playbackError = MibrelTypography::makeLabel(QString(), font(), false, m_content);
+    m_playbackError->setObjectName(QStringLiteral("sourceInspectorPlaybackError"));
+    m_playbackError->setStyleSheet(QStringLiteral("color: %1;").arg(design::toneColor(design::Tone::error).name()));
+    content->addWidget(m_playbackError);
     content->addSpacing(6);
-    content->addWidget(sectionHeader(QStringLiteral("Counts"), m_content));
-    m_counts = makeForm();
+    content->addWidget(MibrelTypography::sectionHeader(QStringLiteral("Counts"), m_content));
+    m_counts = new QGridLayout;
+    m_counts->setSpacing(6);
     content->addLayout(m_counts);
     layout->addWidget(m_content);
     layout->addStretch();
-
     connect(m_label, &QLineEdit::editingFinished, this, [this] { m_presenter->rename(m_label->text().toStdString()); });
     connect(m_presenter, &MibrelSourceInspectorPresenter::changed, this, &MibrelSourceInspectorPanel::refresh);
+    connect(&m_player, &MibrelAudioPlayer::errorChanged, this, &MibrelSourceInspectorPanel::showPlaybackError);
     refresh();
 }
 
@@ -84,7 +86,22 @@ void MibrelSourceInspectorPanel::refresh() {
     // A blank name was refused: the field shows the name that stands.
     if (!m_label->hasFocus() || m_label->text().trimmed().isEmpty()) m_label->setText(kit::qtText(source->label));
     fillForm(m_details, m_presenter->details(), m_content);
-    fillForm(m_counts, m_presenter->counts(), m_content);
+    const auto counts = m_presenter->counts();
+    while (m_tiles.size() < counts.size()) {
+        const int index = static_cast<int>(m_tiles.size());
+        m_tiles.push_back(new MibrelKitTile(m_content));
+        m_counts->addWidget(m_tiles.back(), index / 2, index % 2);
+    }
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        m_tiles[i]->setValue(kit::qtText(counts[i].value), kit::qtText(counts[i].label));
+    }
+    showPlaybackError();
+}
+
+void MibrelSourceInspectorPanel::showPlaybackError() {
+    const QString error = m_player.errorText();
+    m_playbackError->setVisible(!error.isEmpty());
+    m_playbackError->setText(QStringLiteral("The recording cannot be played: %1").arg(error));
 }
 
 } // namespace mibrel

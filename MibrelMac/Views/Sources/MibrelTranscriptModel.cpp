@@ -20,17 +20,23 @@ int MibrelTranscriptModel::rowCount(const QModelIndex& parent) const {
 
 QVariant MibrelTranscriptModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= rowCount()) return {};
-    const auto row = m_presenter.row(static_cast<std::size_t>(index.row()));
+    const auto at = static_cast<std::size_t>(index.row());
+    // Painting and measuring read only the segment; the evidence lookups wait for a menu.
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::EditRole: return kit::qtText(row.text);
+    case Qt::EditRole: return kit::qtText(m_presenter.segmentAt(at).text);
+    case TimeRole: return kit::qtText(MibrelTranscriptPresenter::timeText(m_presenter.segmentAt(at)));
+    case SegmentIDRole: return kit::qtText(m_presenter.segmentAt(at).id);
+    default: break;
+    }
+    const auto row = m_presenter.row(at);
+    switch (role) {
     case Qt::AccessibleTextRole:
         return row.timeText.empty() ? kit::qtText(row.text) : kit::qtText(row.timeText + ": " + row.text);
-    case TimeRole: return kit::qtText(row.timeText);
-    case SegmentIDRole: return kit::qtText(row.segmentID);
     case CodedExcerptsRole: return static_cast<qulonglong>(row.codedExcerpts);
     case MergeEnabledRole: return row.merge.enabled;
     case MergeTooltipRole: return kit::qtText(row.merge.tooltip);
+    case StartRole: return row.start ? QVariant(*row.start) : QVariant();
     default: return {};
     }
 }

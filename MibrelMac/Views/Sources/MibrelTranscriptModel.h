@@ -12,7 +12,8 @@ class MibrelTranscriptModel : public QAbstractListModel {
     Q_OBJECT
 
 public:
-    enum Role { TimeRole = Qt::UserRole + 1, SegmentIDRole, CodedExcerptsRole, MergeEnabledRole, MergeTooltipRole };
+    enum Role { TimeRole = Qt::UserRole + 1, SegmentIDRole, CodedExcerptsRole, MergeEnabledRole, MergeTooltipRole,
+                StartRole };
 
     explicit MibrelTranscriptModel(MibrelTranscriptPresenter& presenter, QObject* parent = nullptr);
 

@@ -8,15 +8,26 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
+#include <QShortcut>
+#include <QSplitter>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include "MibrelMac/State/Tools/Sources/MibrelTranscriptPresenter.h"
+#include "MibrelMac/Views/Kit/MibrelDesign.h"
+#include "MibrelMac/Views/Kit/MibrelKitEmptyState.h"
+#include "MibrelMac/Views/Kit/MibrelKitPill.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
-#include "MibrelMac/Views/MibrelToolIcons.h"
-#include "MibrelMac/Views/MibrelTypography.h"
+#include "MibrelMac/Views/Kit/MibrelToolIcons.h"
+#include "MibrelMac/Views/Kit/MibrelTypography.h"
+#include "MibrelMac/Views/Player/MibrelAudioPlayer.h"
+#include "MibrelMac/Views/Player/MibrelInlineMediaPlayer.h"
+#include "MibrelMac/Views/Sources/MibrelMediaNotesPanel.h"
 #include "MibrelMac/Views/Sources/MibrelTranscriptDelegate.h"
 #include "MibrelMac/Views/Sources/MibrelTranscriptModel.h"
+#include "MibrelMac/Views/Sources/MibrelTranscriptionTone.h"
 
 namespace mibrel {
 namespace {
@@ -28,49 +39,122 @@ QPlainTextEdit* splitHalf(const QString& text, const QString& name, QWidget* par
     return half;
 }
 
+QPushButton* makeButton(const QString& name, QWidget* parent) {
+    auto* button = new QPushButton(parent);
+    button->setObjectName(name);
+    return button;
+}
+
+QListView* makeSegmentList(QAbstractItemModel* model, QWidget* parent) {
+    auto* list = new QListView(parent);
+    list->setObjectName(QStringLiteral("transcriptSegments"));
+    list->setAccessibleName(QStringLiteral("Transcript segments"));
+    list->setModel(model);
+    list->setWordWrap(true);
+    list->setUniformItemSizes(false);
+    list->setResizeMode(QListView::Adjust);
+    // Rows are laid out in batches, so a transcript of thousands of segments paints at once.
+    list->setLayoutMode(QListView::Batched);
+    list->setBatchSize(200);
+    list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+    list->setContextMenuPolicy(Qt::CustomContextMenu);
+    return list;
+}
+
 } // namespace
 
 MibrelTranscriptView::MibrelTranscriptView(MibrelSourcesState& sources, MibrelWorkspaceState& workspace,
-                                           QWidget* parent)
+                                           MibrelAudioPlayer& player, QWidget* parent)
     : QWidget(parent), m_presenter(new MibrelTranscriptPresenter(sources, workspace, this)),
-      m_model(new MibrelTranscriptModel(*m_presenter, this)) {
+      m_model(new MibrelTranscriptModel(*m_presenter, this)), m_player(player) {
     setObjectName(QStringLiteral("transcriptView"));
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(32, 24, 32, 16);
+    layout->setContentsMargins(design::pageMarginX, design::pageMarginTop, design::pageMarginX,
+                               design::pageMarginBottom);
     layout->setSpacing(10);
-
-    auto* header = new QHBoxLayout;
-    m_title = MibrelTypography::makeLabel(QString(), MibrelTypography::scaledFont(font(), 1.5, QFont::DemiBold), false, this);
-    m_title->setObjectName(QStringLiteral("transcriptTitle"));
-    header->addWidget(m_title, 1);
-    m_review = new QPushButton(this);
-    m_review->setObjectName(QStringLiteral("transcriptReview"));
-    header->addWidget(m_review);
-    layout->addLayout(header);
-
-    m_empty = MibrelTypography::makeLabel(QString(), MibrelTypography::scaledFont(font(), 1.05), true, this);
+    layout->addWidget(makeHeader());
+    layout->addWidget(makeTranscriptionBar());
+    m_playerView = new MibrelInlineMediaPlayer(m_player, false, this);
+    layout->addWidget(m_playerView);
+    m_empty = new MibrelKitEmptyState(this);
     m_empty->setObjectName(QStringLiteral("transcriptEmpty"));
-    m_empty->setWordWrap(true);
     layout->addWidget(m_empty);
 
-    m_list = new QListView(this);
-    m_list->setObjectName(QStringLiteral("transcriptSegments"));
-    m_list->setAccessibleName(QStringLiteral("Transcript segments"));
-    m_list->setModel(m_model);
+    m_list = makeSegmentList(m_model, this);
     m_list->setItemDelegate(new MibrelTranscriptDelegate(
         [this](const QString& id, const QString& text) { commitEdit(id, text); }, m_list));
-    m_list->setWordWrap(true);
-    m_list->setUniformItemSizes(false);
-    m_list->setResizeMode(QListView::Adjust);
-    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    m_list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
-    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
-    layout->addWidget(m_list, 1);
+    m_notes = new MibrelMediaNotesPanel(sources, [this] { return m_player.currentTimeSeconds(); }, this);
+    auto* columns = new QSplitter(Qt::Horizontal, this);
+    columns->setObjectName(QStringLiteral("transcriptColumns"));
+    columns->setChildrenCollapsible(false);
+    columns->addWidget(m_list);
+    columns->addWidget(m_notes);
+    columns->setStretchFactor(0, 3);
+    columns->setStretchFactor(1, 1);
+    layout->addWidget(columns, 1);
+    connectControls();
+    refresh();
+}
 
-    connect(m_review, &QPushButton::clicked, this, [this] { m_presenter->markReviewed(); });
+QWidget* MibrelTranscriptView::makeHeader() {
+    auto* header = new QWidget(this);
+    auto* row = new QHBoxLayout(header);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(design::itemSpacing);
+    m_title = MibrelTypography::pageTitle(QString(), header);
+    m_title->setObjectName(QStringLiteral("transcriptTitle"));
+    row->addWidget(m_title, 1);
+    m_status = new MibrelKitPill(header);
+    m_status->setObjectName(QStringLiteral("transcriptStatus"));
+    row->addWidget(m_status);
+    m_transcribe = makeButton(QStringLiteral("transcriptTranscribe"), header);
+    row->addWidget(m_transcribe);
+    m_review = makeButton(QStringLiteral("transcriptReview"), header);
+    row->addWidget(m_review);
+    return header;
+}
+
+// The status's words and the coverage, and while a run goes on its progress and Cancel.
+QWidget* MibrelTranscriptView::makeTranscriptionBar() {
+    auto* bar = new QWidget(this);
+    auto* column = new QVBoxLayout(bar);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(6);
+    m_statusDetail = MibrelTypography::makeLabel(QString(), font(), true, bar);
+    m_statusDetail->setObjectName(QStringLiteral("transcriptStatusDetail"));
+    m_statusDetail->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    column->addWidget(m_statusDetail);
+    m_running = new QWidget(bar);
+    auto* running = new QHBoxLayout(m_running);
+    running->setContentsMargins(0, 0, 0, 0);
+    m_progress = new QProgressBar(m_running);
+    m_progress->setObjectName(QStringLiteral("transcriptProgress"));
+    m_progress->setAccessibleName(QStringLiteral("Transcription progress"));
+    m_progress->setMaximumHeight(10);
+    m_progress->setTextVisible(false);
+    running->addWidget(m_progress, 1);
+    m_cancel = makeButton(QStringLiteral("transcriptCancel"), m_running);
+    m_cancel->setText(QStringLiteral("Cancel"));
+    m_cancel->setToolTip(QStringLiteral("Stop transcribing; the transcript stays as it was"));
+    running->addWidget(m_cancel);
+    column->addWidget(m_running);
+    return bar;
+}
+
+void MibrelTranscriptView::connectControls() {
+    connect(m_review, &QPushButton::clicked, m_presenter, &MibrelTranscriptPresenter::markReviewed);
+    connect(m_transcribe, &QPushButton::clicked, m_presenter, &MibrelTranscriptPresenter::transcribe);
+    connect(m_cancel, &QPushButton::clicked, m_presenter, &MibrelTranscriptPresenter::cancelTranscription);
     connect(m_list, &QListView::customContextMenuRequested, this, &MibrelTranscriptView::showRowMenu);
     connect(m_presenter, &MibrelTranscriptPresenter::changed, this, &MibrelTranscriptView::refresh);
-    refresh();
+    connect(m_presenter, &MibrelTranscriptPresenter::transcriptionChanged, this,
+            &MibrelTranscriptView::refreshTranscription);
+    connect(m_notes, &MibrelMediaNotesPanel::seekRequested, this,
+            [this](double seconds) { m_player.seek(seconds, false); });
+    // Keyboard paths on a row: Space plays from its start; the menu key opens its menu.
+    auto* play = new QShortcut(QKeySequence(Qt::Key_Space), m_list, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(play, &QShortcut::activated, this, [this] { playRow(m_list->currentIndex().row()); });
 }
 
 void MibrelTranscriptView::refresh() {
@@ -78,13 +162,55 @@ void MibrelTranscriptView::refresh() {
     m_title->setText(source ? kit::qtText(source->label) : QStringLiteral("Sources"));
     const auto empty = m_presenter->emptyText();
     m_empty->setVisible(empty.has_value());
-    if (empty) m_empty->setText(kit::qtText(*empty));
+    if (empty) m_empty->setTexts(kit::qtText(*empty), QString());
     m_list->setVisible(!empty.has_value());
     const auto review = m_presenter->reviewCommand();
     m_review->setVisible(source != nullptr);
     m_review->setText(kit::menuText(kit::qtText(review.title)));
     m_review->setIcon(review.image.empty() ? QIcon() : iconForSymbol(review.image));
     m_review->setEnabled(review.enabled);
+    loadMedia();
+    refreshTranscription();
+}
+
+void MibrelTranscriptView::refreshTranscription() {
+    const auto state = m_presenter->transcription();
+    m_status->setVisible(state.has_value());
+    m_transcribe->setVisible(state.has_value());
+    m_statusDetail->setVisible(state.has_value());
+    m_running->setVisible(state && state->running);
+    if (!state) return;
+    m_status->setStatus(kit::qtText(state->summary.title), designTone(state->summary.tone));
+    m_status->setToolTip(kit::qtText(state->summary.detail));
+    QString detail = kit::qtText(state->summary.detail);
+    if (!state->coverage.empty() && state->coverage != state->summary.detail) {
+        detail += QStringLiteral(" · ") + kit::qtText(state->coverage);
+    }
+    m_statusDetail->setText(detail);
+    m_transcribe->setText(kit::qtText(state->transcribeTitle));
+    m_transcribe->setEnabled(state->canTranscribe);
+    // Short recordings report no progress: the bar runs without an end until the result.
+    m_progress->setRange(0, state->progress ? 1000 : 0);
+    if (state->progress) m_progress->setValue(static_cast<int>(*state->progress * 1000));
+}
+
+void MibrelTranscriptView::loadMedia() {
+    const auto media = m_presenter->media();
+    m_playerView->setVisible(media.has_value());
+    const std::optional<QString> location =
+        media ? std::optional(QString::fromStdString(media->location.string())) : std::nullopt;
+    if (location == m_loadedMedia) return;
+    m_loadedMedia = location;
+    if (!media) return m_player.stop();
+    m_playerView->setShowsVideo(media->isVideo);
+    m_player.load(QUrl::fromLocalFile(*location));
+}
+
+void MibrelTranscriptView::playRow(int row) {
+    const QModelIndex index = m_model->index(row);
+    const QVariant start = index.data(MibrelTranscriptModel::StartRole);
+    if (!start.isValid() || !m_loadedMedia) return;
+    m_player.seek(start.toDouble(), true);
 }
 
 void MibrelTranscriptView::commitEdit(const QString& segmentID, const QString& text) {
@@ -131,19 +257,28 @@ void MibrelTranscriptView::splitSegment(const QString& segmentID) {
 }
 
 void MibrelTranscriptView::showRowMenu(const QPoint& position) {
-    const QModelIndex index = m_list->indexAt(position);
+    QModelIndex index = m_list->indexAt(position);
+    if (!index.isValid()) index = m_list->currentIndex(); // the menu key, on the keyboard's row
     if (!index.isValid()) return;
     const QString id = index.data(MibrelTranscriptModel::SegmentIDRole).toString();
     QMenu menu(this);
+    menu.setToolTipsVisible(true);
+    const QVariant start = index.data(MibrelTranscriptModel::StartRole);
+    if (start.isValid() && m_loadedMedia) {
+        const QString from = kit::qtText(MibrelTranscriptPresenter::clockText(start.toDouble()));
+        connect(menu.addAction(QStringLiteral("Play from %1").arg(from)), &QAction::triggered, this,
+                [this, row = index.row()] { playRow(row); });
+        menu.addSeparator();
+    }
     connect(menu.addAction(QStringLiteral("Edit Segment")), &QAction::triggered, this, [this, index] { m_list->edit(index); });
     connect(menu.addAction(QStringLiteral("Split Segment…")), &QAction::triggered, this, [this, id] { splitSegment(id); });
     QAction* merge = menu.addAction(QStringLiteral("Merge with Next Segment"));
     merge->setEnabled(index.data(MibrelTranscriptModel::MergeEnabledRole).toBool() &&
                       index.row() + 1 < m_model->rowCount());
     merge->setToolTip(index.data(MibrelTranscriptModel::MergeTooltipRole).toString());
-    menu.setToolTipsVisible(true);
     connect(merge, &QAction::triggered, this, [this, id] { m_presenter->mergeWithNext(id.toStdString()); });
-    menu.exec(m_list->viewport()->mapToGlobal(position));
+    const QRect row = m_list->visualRect(index);
+    menu.exec(m_list->viewport()->mapToGlobal(m_list->indexAt(position).isValid() ? position : row.center()));
 }
 
 } // namespace mibrel

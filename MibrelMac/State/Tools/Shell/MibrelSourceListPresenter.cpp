@@ -9,27 +9,32 @@ namespace mibrel {
 MibrelSourceListPresenter::MibrelSourceListPresenter(MibrelSourcesState& sources, MibrelShellUIState& shellUI,
                                                      QObject* parent)
     : QObject(parent), m_sources(sources), m_shellUI(shellUI) {
-    connect(&m_sources, &MibrelSourcesState::sourcesChanged, this, &MibrelSourceListPresenter::changed);
-    connect(&m_sources, &MibrelSourcesState::selectionChanged, this, &MibrelSourceListPresenter::changed);
+    connect(&m_sources, &MibrelSourcesState::sourcesChanged, this, &MibrelSourceListPresenter::refilter);
+    connect(&m_sources, &MibrelSourcesState::selectionChanged, this, &MibrelSourceListPresenter::refilter);
+    refilter();
+}
+
+void MibrelSourceListPresenter::refilter() {
+    const TeskSource* current = currentSource();
+    const std::string trimmed = platform::text::trimmed(m_filter);
+    m_otherSources.clear();
+    for (const TeskSource& source : m_sources.sources()) {
+        if (&source == current) continue;
+        if (trimmed.empty() || platform::text::localizedCaseInsensitiveContains(source.label, trimmed)) {
+            m_otherSources.push_back(&source);
+        }
+    }
+    emit changed();
 }
 
 void MibrelSourceListPresenter::setFilter(std::string filter) {
     if (filter == m_filter) return;
     m_filter = std::move(filter);
-    emit changed();
+    refilter();
 }
 
 const TeskSource* MibrelSourceListPresenter::currentSource() const {
     return m_sources.source(m_sources.selectedSourceID());
-}
-
-std::vector<const TeskSource*> MibrelSourceListPresenter::otherSources() const {
-    const TeskSource* current = currentSource();
-    std::vector<const TeskSource*> rows;
-    for (const TeskSource& source : m_sources.sources()) {
-        if (&source != current && sourceMatchesFilter(source, m_filter)) rows.push_back(&source);
-    }
-    return rows;
 }
 
 std::optional<MibrelSourceListPresenter::EmptyText> MibrelSourceListPresenter::emptyText() const {
@@ -46,6 +51,15 @@ std::optional<MibrelSourceListPresenter::EmptyText> MibrelSourceListPresenter::e
 bool MibrelSourceListPresenter::sourceMatchesFilter(const TeskSource& source, const std::string& filter) {
     const std::string trimmed = platform::text::trimmed(filter);
     return trimmed.empty() || platform::text::localizedCaseInsensitiveContains(source.label, trimmed);
+}
+
+std::string MibrelSourceListPresenter::displayLabel(const TeskSource& source) {
+    return platform::text::trimmed(source.label).empty() ? "Untitled source" : source.label;
+}
+
+std::string_view MibrelSourceListPresenter::symbol(const TeskSource& source) {
+    if (!source.mediaFilename) return "doc.text";
+    return source.mediaKind == TeskMediaKind::video ? "video" : "waveform";
 }
 
 MibrelSourceListPresenter::RowMenu MibrelSourceListPresenter::rowMenu(const platform::Uuid& sourceID) const {

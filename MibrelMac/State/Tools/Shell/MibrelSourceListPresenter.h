@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <QObject>
@@ -39,14 +40,19 @@ public:
 
     // The source the strip at the top shows, whatever the filter.
     const TeskSource* currentSource() const;
-    // The other sources that pass the filter, in list order.
-    std::vector<const TeskSource*> otherSources() const;
+    // The other sources that pass the filter, in list order; worked out once per change, so
+    // a list view may read it row by row.
+    const std::vector<const TeskSource*>& otherSources() const { return m_otherSources; }
     // Absent while a row is listed below the strip.
     std::optional<EmptyText> emptyText() const;
 
     // A blank filter passes everything; otherwise the label must contain the trimmed text,
     // ignoring case.
     static bool sourceMatchesFilter(const TeskSource& source, const std::string& filter);
+    // The row's text: a label blanked by hand in the file reads "Untitled source", never an empty row.
+    static std::string displayLabel(const TeskSource& source);
+    // The row's icon: a waveform for audio, a film for video, a page for text.
+    static std::string_view symbol(const TeskSource& source);
 
     RowMenu rowMenu(const platform::Uuid& sourceID) const;
     // Selects the source and shows it in the Sources tool with the inspector open.
@@ -65,10 +71,13 @@ signals:
     void pendingDeleteChanged();
 
 private:
+    void refilter();
+
     MibrelSourcesState& m_sources;
     MibrelShellUIState& m_shellUI;
     std::string m_filter;
     std::optional<TeskSource> m_sourcePendingDelete;
+    std::vector<const TeskSource*> m_otherSources;
 };
 
 } // namespace mibrel

@@ -15,7 +15,10 @@ MibrelTranscriptPresenter::MibrelTranscriptPresenter(MibrelSourcesState& sources
     : QObject(parent), m_sources(sources), m_workspace(workspace) {
     connect(&m_sources, &MibrelSourcesState::sourcesChanged, this, &MibrelTranscriptPresenter::changed);
     connect(&m_sources, &MibrelSourcesState::selectionChanged, this, &MibrelTranscriptPresenter::changed);
-    connect(&m_sources, &MibrelSourcesState::transcriptionChanged, this, &MibrelTranscriptPresenter::changed);
+    connect(&m_sources, &MibrelSourcesState::transcriptionChanged, this,
+            &MibrelTranscriptPresenter::transcriptionChanged);
+    connect(&m_sources, &MibrelSourcesState::pendingSpeechIntroChanged, this,
+            &MibrelTranscriptPresenter::transcriptionChanged);
     connect(&m_workspace, &MibrelWorkspaceState::workspaceChanged, this, &MibrelTranscriptPresenter::changed);
 }
 
@@ -49,14 +52,22 @@ std::size_t MibrelTranscriptPresenter::codedExcerpts(const std::string& segmentI
     return m_workspace.applications(TeskResponseRef{current->id, segmentID}).size();
 }
 
+const TranscriptSegment& MibrelTranscriptPresenter::segmentAt(std::size_t index) const {
+    return transcript()->segments.at(index);
+}
+
+std::string MibrelTranscriptPresenter::timeText(const TranscriptSegment& segment) {
+    if (!segment.start) return {};
+    std::string text = clockText(*segment.start);
+    if (segment.end && *segment.end > *segment.start) text += " – " + clockText(*segment.end);
+    return text;
+}
+
 MibrelTranscriptPresenter::Row MibrelTranscriptPresenter::row(std::size_t index) const {
     const TeskTranscript& current = *transcript();
     const TranscriptSegment& segment = current.segments.at(index);
-    Row row{segment.id, {}, segment.text, codedExcerpts(segment.id), {}};
-    if (segment.start) {
-        row.timeText = clockText(*segment.start);
-        if (segment.end && *segment.end > *segment.start) row.timeText += " – " + clockText(*segment.end);
-    }
+    Row row{segment.id, timeText(segment), segment.text, codedExcerpts(segment.id), {}, {}};
+    if (source()->mediaFilename) row.start = segment.start.value_or(0.0);
     row.merge = MibrelTranscriptRowEditing::mergeWithNext(m_workspace, source()->id, segment.id, current);
     return row;
 }
@@ -73,6 +84,39 @@ MibrelTranscriptPresenter::ReviewCommand MibrelTranscriptPresenter::reviewComman
                           current->transcriptionStatus->kind == TeskTranscriptionStatusKind::reviewed;
     if (reviewed) return {"Reviewed", "checkmark.seal", false};
     return {"Mark Reviewed", "", current != nullptr && rowCount() > 0};
+}
+
+std::optional<MibrelTranscriptPresenter::Transcription> MibrelTranscriptPresenter::transcription() const {
+    const TeskSource* current = source();
+    if (current == nullptr) return std::nullopt;
+    auto summary = m_sources.transcriptionSummary(*current);
+    if (!summary) return std::nullopt;
+    Transcription result{*summary, {}, m_sources.transcribing().contains(current->id), {}, {}, false};
+    if (const auto coverage = m_sources.transcriptCoverageSummary(*current)) result.coverage = coverage->statusText();
+    const auto progress = m_sources.transcriptionProgress().find(current->id);
+    if (progress != m_sources.transcriptionProgress().end()) result.progress = progress->second;
+    result.transcribeTitle = rowCount() > 0 ? "Transcribe Again" : "Transcribe";
+    result.canTranscribe = !result.running && m_sources.pendingSpeechIntro() != current->id;
+    return result;
+}
+
+std::optional<MibrelTranscriptPresenter::Media> MibrelTranscriptPresenter::media() const {
+    const TeskSource* current = source();
+    if (current == nullptr) return std::nullopt;
+    const auto location = m_sources.mediaURL(*current);
+    if (!location) return std::nullopt;
+    return Media{*location, current->mediaKind == TeskMediaKind::video};
+}
+
+void MibrelTranscriptPresenter::transcribe() {
+    const auto state = transcription();
+    if (!state || !state->canTranscribe) return;
+    // Running again over a transcript makes fresh audio too, in case the recording was the problem.
+    m_sources.beginTranscription(source()->id, rowCount() > 0);
+}
+
+void MibrelTranscriptPresenter::cancelTranscription() {
+    if (const TeskSource* current = source()) m_sources.cancelTranscription(current->id);
 }
 
 std::optional<std::string> MibrelTranscriptPresenter::editConfirmation(const std::string& segmentID,

@@ -1,4 +1,4 @@
-#include "MibrelMac/Views/MibrelToolIcons.h"
+#include "MibrelMac/Views/Kit/MibrelToolIcons.h"
 
 #include <array>
 

@@ -16,4 +16,10 @@ QFont scaledFont(QFont font, double factor, QFont::Weight weight = QFont::Normal
 // never compete with the content.
 QLabel* makeLabel(const QString& text, const QFont& font, bool secondary, QWidget* parent = nullptr);
 
+// A page's title, at the top of a tool.
+QLabel* pageTitle(const QString& text, QWidget* parent);
+
+// A small muted heading over a group of controls ("Details", "Counts").
+QLabel* sectionHeader(const QString& text, QWidget* parent);
+
 } // namespace mibrel::MibrelTypography

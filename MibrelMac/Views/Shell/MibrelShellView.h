@@ -1,17 +1,18 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 
 #include <QWidget>
 
-#include "Platform/Foundation/Uuid.h"
+#include "MibrelMac/State/MibrelTool.h"
 
-class QListWidgetItem;
+class QModelIndex;
 
 namespace mibrel {
 
+class MibrelInspectorView;
 class MibrelProjectSession;
+class MibrelShellDialogs;
 class MibrelShellUIState;
 class MibrelSourcesState;
 class MibrelWorkspaceState;
@@ -24,16 +25,24 @@ class MibrelShellView : public QWidget {
 
 public:
     MibrelShellView(MibrelProjectSession& session, MibrelSourcesState& sourcesState,
-                    MibrelWorkspaceState& workspaceState, MibrelShellUIState& shellUI, QWidget* parent = nullptr);
+                    MibrelWorkspaceState& workspaceState, MibrelShellUIState& shellUI, bool playsAudio = false,
+                    QWidget* parent = nullptr);
     ~MibrelShellView() override;
 
+    QWidget* toolPage(MibrelTool tool) const;
+    MibrelInspectorView& inspector() const;
+    MibrelShellDialogs& dialogs() const;
+
 private:
+    void buildSidebar();
+    void buildColumns();
+    void connectSourceList();
+    void showSelectedTool();
     void showSourceList();
     void showImportToast();
-    std::optional<platform::Uuid> sourceID(const QListWidgetItem* item) const;
-    void showRowMenu(const platform::Uuid& sourceID, const QPoint& globalPosition);
-    void confirmPendingDelete();
+    void showRowMenu(const QModelIndex& index, const QPoint& globalPosition);
 
+    bool m_playsAudio;
     struct Parts;
     std::unique_ptr<Parts> m_parts; // pointers to the child widgets, which Qt owns
     MibrelProjectSession& m_session;

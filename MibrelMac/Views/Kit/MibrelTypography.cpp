@@ -1,6 +1,8 @@
-#include "MibrelMac/Views/MibrelTypography.h"
+#include "MibrelMac/Views/Kit/MibrelTypography.h"
 
 #include <QLabel>
+
+#include "MibrelMac/Views/Kit/MibrelDesign.h"
 
 namespace mibrel::MibrelTypography {
 
@@ -21,6 +23,17 @@ QLabel* makeLabel(const QString& text, const QFont& font, bool secondary, QWidge
     // The palette role, not a copied colour, so a theme change while open is followed.
     if (secondary) label->setForegroundRole(QPalette::PlaceholderText);
     return label;
+}
+
+QLabel* pageTitle(const QString& text, QWidget* parent) {
+    return makeLabel(text, scaledFont(parent->font(), design::pageTitleScale, QFont::DemiBold), false, parent);
+}
+
+QLabel* sectionHeader(const QString& text, QWidget* parent) {
+    QLabel* header = makeLabel(text, scaledFont(parent->font(), design::sectionHeaderScale, QFont::DemiBold), true,
+                               parent);
+    header->setWordWrap(false);
+    return header;
 }
 
 } // namespace mibrel::MibrelTypography
