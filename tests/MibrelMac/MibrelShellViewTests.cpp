@@ -1,5 +1,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QAbstractSlider>
+#include <QScrollBar>
 #include <QCoreApplication>
 #include <QPlainTextEdit>
 #include <QLabel>
@@ -298,14 +300,19 @@ TEST_F(MibrelShellViewTest, TheCannotBeSavedDialogHasNoWayOutButItsCommands) {
 // The window is driven through the accessibility tree: a control without a name is not there.
 TEST_F(MibrelShellViewTest, EveryControlHasAName) {
     TeskProjectArchive::createEmpty(folder / "Study.mvibrl", "Study", false);
-    TeskSourceStore::saveIndex({TeskSource{.label = "Interview with Ana"}, TeskSource{.label = "Focus group"}},
-                               folder / "Study.mvibrl");
+    TeskSource recording{.label = "Interview with Ana", .mediaFilename = "speech.m4a", .mediaKind = TeskMediaKind::video};
+    TeskSourceStore::saveIndex({recording, TeskSource{.label = "Focus group"}}, folder / "Study.mvibrl");
+    std::filesystem::create_directories(TeskSourceStore::sourceDirectory(folder / "Study.mvibrl", recording.id));
+    std::filesystem::copy_file(std::filesystem::path(MIBREL_MEDIA_FIXTURES) / "video-with-sound.mp4",
+                               TeskSourceStore::sourceDirectory(folder / "Study.mvibrl", recording.id) / "speech.m4a");
     sources.bind(folder / "Study.mvibrl");
+    shellUI.setSelectedTool(MibrelTool::sources); // the transcript, its player and its notes
     view.findChild<QLineEdit*>(QStringLiteral("shellSourceFilter"))->setText(QStringLiteral("a"));
     QStringList unnamed;
     for (QWidget* control : view.findChildren<QWidget*>()) {
         const bool isControl = qobject_cast<QAbstractButton*>(control) || qobject_cast<QLineEdit*>(control) ||
-                               qobject_cast<QAbstractItemView*>(control) || qobject_cast<QPlainTextEdit*>(control);
+                               qobject_cast<QAbstractItemView*>(control) || qobject_cast<QPlainTextEdit*>(control) ||
+                               (qobject_cast<QAbstractSlider*>(control) && !qobject_cast<QScrollBar*>(control));
         if (!isControl || control->isHidden()) continue;
         const auto* button = qobject_cast<QAbstractButton*>(control);
         const bool named = !control->accessibleName().isEmpty() || (button && !button->text().isEmpty()) ||

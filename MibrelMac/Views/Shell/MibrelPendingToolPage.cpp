@@ -21,6 +21,12 @@ MibrelPendingToolPage::MibrelPendingToolPage(MibrelTool tool, std::string_view s
     layout->addWidget(heading);
     layout->addWidget(MibrelTypography::makeLabel(kit::qtText(summary),
                                                   MibrelTypography::scaledFont(font(), 1.1), true, this));
+    layout->addSpacing(design::sectionSpacing);
+    layout->addWidget(new MibrelKitEmptyState(
+        QStringLiteral("This tool's page comes in a later version"),
+        QStringLiteral("Your project keeps everything this tool works on. Until the page arrives, mibrel-cli reaches "
+                       "the same work on the same project."),
+        this));
     layout->addStretch();
 }
 

@@ -27,7 +27,12 @@ QVariant MibrelTranscriptModel::data(const QModelIndex& index, int role) const {
     case Qt::EditRole: return kit::qtText(m_presenter.segmentAt(at).text);
     case TimeRole: return kit::qtText(MibrelTranscriptPresenter::timeText(m_presenter.segmentAt(at)));
     case SegmentIDRole: return kit::qtText(m_presenter.segmentAt(at).id);
-    default: break;
+    case Qt::AccessibleTextRole:
+    case CodedExcerptsRole:
+    case MergeEnabledRole:
+    case MergeTooltipRole:
+    case StartRole: break;
+    default: return {}; // the style asks for fonts, colours and more, row by row
     }
     const auto row = m_presenter.row(at);
     switch (role) {
