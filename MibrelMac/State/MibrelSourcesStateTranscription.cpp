@@ -40,7 +40,9 @@ std::string segmentsAvailable(std::size_t count) {
 
 } // namespace
 
-void MibrelSourcesState::transcribeConfirmed(const Uuid& sourceID, bool forceRefresh) {
+void MibrelSourcesState::transcribeConfirmed(const Uuid& requestedID, bool forceRefresh) {
+    // A copy: the caller's id may live in a source that the status change below replaces.
+    const Uuid sourceID = requestedID;
     const TeskSource* found = source(sourceID);
     if (!m_projectURL || !found || m_transcribing.contains(sourceID)) return;
     if (forceRefresh) invalidateDerivedTranscriptionAudio(*found, *m_projectURL);

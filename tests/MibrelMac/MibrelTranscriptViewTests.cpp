@@ -6,7 +6,9 @@
 #include <QListView>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSettings>
 #include <QSignalSpy>
@@ -24,6 +26,8 @@
 #include "MibrelMac/Views/Player/MibrelAudioPlayer.h"
 #include "MibrelMac/Views/Sources/MibrelMediaNotesPanel.h"
 #include "MibrelMac/Views/Sources/MibrelTranscriptModel.h"
+#include "MibrelMac/Helper/MibrelAppleHelperSidecar.h"
+#include "tests/support/EventLoopWait.h"
 #include "tests/support/TestSupport.h"
 
 namespace mibrel {
@@ -176,6 +180,45 @@ TEST_F(MibrelTranscriptViewTest, ARecordingHasStatusPlayerAndTimedNotes) {
     emit noteList->clicked(noteList->model()->index(0, 0));
     ASSERT_EQ(seeks.size(), 1);
     EXPECT_DOUBLE_EQ(seeks[0][0].toDouble(), 2.5);
+}
+
+// While a run goes on the header shows it with a progress bar and Cancel; a cancelled run
+// leaves the old transcript and says how to start again.
+TEST_F(MibrelTranscriptViewTest, ARunningTranscriptionCanBeFollowedAndCancelled) {
+    makeRecording();
+    settings.setValue(QStringLiteral("mibrel.speechIntroShown"), true);
+    // A helper that answers only once the test lets it, so the cancel surely comes mid-run.
+    const auto script = folder / "helper";
+    testing::writeText(script, "#!/bin/bash\nwhile IFS= read -r request; do\n  while [ ! -e '" +
+                                   (folder / "go").string() +
+                                   "' ]; do sleep 0.01; done\n"
+                                   "  echo '{\"ok\":true,\"result\":{\"segments\":[{\"text\":\"other\",\"start\":0.2,"
+                                   "\"duration\":0.3}]}}'\ndone\n");
+    std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+    MibrelAppleHelperSidecar helper([script] { return script; });
+    sources.useHelper(helper);
+
+    auto* status = view.findChild<MibrelKitPill*>(QStringLiteral("transcriptStatus"));
+    auto* progress = view.findChild<QProgressBar*>(QStringLiteral("transcriptProgress"));
+    auto* cancel = view.findChild<QPushButton*>(QStringLiteral("transcriptCancel"));
+    auto* transcribe = view.findChild<QPushButton*>(QStringLiteral("transcriptTranscribe"));
+    EXPECT_FALSE(progress->isVisibleTo(&view));
+    transcribe->click();
+    EXPECT_EQ(status->text(), QStringLiteral("Transcribing"));
+    EXPECT_TRUE(progress->isVisibleTo(&view));
+    EXPECT_TRUE(cancel->isVisibleTo(&view));
+    EXPECT_FALSE(transcribe->isEnabled());
+
+    cancel->click();
+    testing::writeText(folder / "go", "");
+    ASSERT_TRUE(testing::processEventsUntil([&] { return sources.transcribing().empty(); }));
+    EXPECT_EQ(status->text(), QStringLiteral("Not transcribed"));
+    EXPECT_TRUE(view.findChild<QLabel*>(QStringLiteral("transcriptStatusDetail"))
+                    ->text()
+                    .startsWith(QStringLiteral("Transcription canceled. Click Transcribe to run it again.")));
+    EXPECT_FALSE(progress->isVisibleTo(&view));
+    EXPECT_TRUE(transcribe->isEnabled());
+    EXPECT_EQ(savedTexts(), (std::vector<std::string>{"First answer.", "Second answer."}));
 }
 
 } // namespace

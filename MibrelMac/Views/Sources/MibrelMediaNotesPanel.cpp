@@ -29,8 +29,7 @@ QTreeView* makeNoteList(QStandardItemModel* model, QWidget* parent) {
     list->setModel(model);
     list->setHeaderHidden(true);
     list->setRootIsDecorated(false);
-    list->setUniformRowHeights(true);
-    list->setWordWrap(true);
+    list->setWordWrap(true); // a long note shows whole, over several lines
     list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     list->header()->setStretchLastSection(true);
     list->header()->setSectionResizeMode(QHeaderView::ResizeToContents); // the time column fits its text
@@ -46,6 +45,7 @@ MibrelMediaNotesPanel::MibrelMediaNotesPanel(MibrelSourcesState& sources, std::f
       m_model(new QStandardItemModel(this)), m_list(makeNoteList(m_model, this)),
       m_empty(new MibrelKitEmptyState(this)) {
     setObjectName(QStringLiteral("mediaNotesPanel"));
+    setMinimumWidth(240);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);

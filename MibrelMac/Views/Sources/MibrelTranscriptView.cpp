@@ -92,6 +92,7 @@ MibrelTranscriptView::MibrelTranscriptView(MibrelSourcesState& sources, MibrelWo
     columns->addWidget(m_notes);
     columns->setStretchFactor(0, 3);
     columns->setStretchFactor(1, 1);
+    columns->setSizes({560, 300});
     layout->addWidget(columns, 1);
     connectControls();
     refresh();

@@ -112,7 +112,8 @@ void MibrelTranscriptPresenter::transcribe() {
     const auto state = transcription();
     if (!state || !state->canTranscribe) return;
     // Running again over a transcript makes fresh audio too, in case the recording was the problem.
-    m_sources.beginTranscription(source()->id, rowCount() > 0);
+    const Uuid id = source()->id; // the run replaces the source this refers to
+    m_sources.beginTranscription(id, rowCount() > 0);
 }
 
 void MibrelTranscriptPresenter::cancelTranscription() {
