@@ -161,6 +161,11 @@ TEST_F(MibrelShellViewTest, SourcesSectionShowsTheCurrentSourceTheFilteredRestOr
     filter->clear();
     EXPECT_EQ(rowTexts(sourceList).size(), 2);
 
+    TeskSourceStore::saveIndex({TeskSource{.label = "Interview with Ana"}}, folder / "Study.mvibrl");
+    sources.bind(folder / "Study.mvibrl");
+    EXPECT_TRUE(sourceList->isHidden());
+    EXPECT_TRUE(labelTexts(empty).contains(QStringLiteral("No other sources")));
+
     sources.bind(std::nullopt);
     EXPECT_TRUE(rowTexts(sourceList).isEmpty());
     EXPECT_TRUE(strip->isHidden());
