@@ -24,7 +24,9 @@
 #include "MibrelMac/State/Tools/Sources/MibrelTranscriptPresenter.h"
 #include "MibrelMac/Views/Kit/MibrelKitPill.h"
 #include "MibrelMac/Views/Player/MibrelAudioPlayer.h"
+#include "MibrelMac/Views/Player/MibrelInlineMediaPlayer.h"
 #include "MibrelMac/Views/Sources/MibrelMediaNotesPanel.h"
+#include "MibrelMac/Views/Sources/MibrelSourceInspectorPanel.h"
 #include "MibrelMac/Views/Sources/MibrelTranscriptModel.h"
 #include "MibrelMac/Helper/MibrelAppleHelperSidecar.h"
 #include "tests/support/EventLoopWait.h"
@@ -53,11 +55,18 @@ protected:
 
     // Gives the source a recording (a copy of a fixture) and a transcript status.
     void makeRecording() {
+        std::filesystem::copy_file(std::filesystem::path(MIBREL_MEDIA_FIXTURES) / "speech.m4a", recordingFile());
+        markAsRecording();
+    }
+
+    std::filesystem::path recordingFile() const {
+        return TeskSourceStore::sourceDirectory(project, source.id) / "speech.m4a";
+    }
+
+    void markAsRecording() {
         TeskSource recording = *sources.source(source.id);
         recording.mediaFilename = "speech.m4a";
         recording.mediaKind = TeskMediaKind::audio;
-        std::filesystem::copy_file(std::filesystem::path(MIBREL_MEDIA_FIXTURES) / "speech.m4a",
-                                   TeskSourceStore::sourceDirectory(project, source.id) / "speech.m4a");
         sources.updateSource(recording);
     }
 
@@ -219,6 +228,29 @@ TEST_F(MibrelTranscriptViewTest, ARunningTranscriptionCanBeFollowedAndCancelled)
     EXPECT_FALSE(progress->isVisibleTo(&view));
     EXPECT_TRUE(transcribe->isEnabled());
     EXPECT_EQ(savedTexts(), (std::vector<std::string>{"First answer.", "Second answer."}));
+}
+
+// A recording that cannot be played says so in the inspector; one whose file is gone
+// leaves the transcript to read and correct.
+TEST_F(MibrelTranscriptViewTest, ABrokenOrMissingRecordingLeavesTheTranscriptUsable) {
+    MibrelSourceInspectorPanel inspector(sources, workspace, player);
+    testing::writeText(recordingFile(), "not a recording");
+    markAsRecording();
+    auto* playerView = view.findChild<MibrelInlineMediaPlayer*>();
+    EXPECT_FALSE(playerView->isHidden());
+    auto* error = inspector.findChild<QLabel*>(QStringLiteral("sourceInspectorPlaybackError"));
+    ASSERT_TRUE(testing::processEventsUntil([&] { return !player.errorText().isEmpty(); }, 20'000));
+    EXPECT_FALSE(error->isHidden());
+    EXPECT_TRUE(error->text().startsWith(QStringLiteral("The recording cannot be played: ")));
+    view.playRow(0); // nothing to play, nothing breaks
+    EXPECT_FALSE(player.isPlaying());
+
+    std::filesystem::remove(recordingFile());
+    sources.bind(project);
+    EXPECT_TRUE(playerView->isHidden());
+    EXPECT_EQ(list->model()->rowCount(), 2);
+    EXPECT_TRUE(player.errorText().isEmpty());
+    EXPECT_TRUE(error->isHidden());
 }
 
 } // namespace
