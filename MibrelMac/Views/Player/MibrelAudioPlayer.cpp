@@ -1,5 +1,6 @@
 #include "MibrelMac/Views/Player/MibrelAudioPlayer.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include <QAudioOutput>
@@ -8,51 +9,57 @@
 namespace mibrel {
 namespace {
 
+// Seeks land on a 1/600 s grid, which holds the frame boundaries of every common frame
+// rate (24, 25, 30, 50, 60), so a time taken from a video lands on its frame.
 constexpr double kTimescale = 600.0;
 
-// Seconds on the 1/600 s grid, in the player's milliseconds.
-qint64 positionFor(double seconds) {
+// Seconds on the grid, in the player's milliseconds; a nonsense time is the start.
+qint64 positionFor(double seconds, qint64 durationMs) {
     if (!std::isfinite(seconds) || seconds < 0) seconds = 0;
-    const double ticks = std::round(seconds * kTimescale);
-    return static_cast<qint64>(std::llround(ticks / kTimescale * 1000.0));
+    const double ticks = std::round(std::min(seconds, 1e9) * kTimescale);
+    const qint64 position = std::llround(ticks / kTimescale * 1000.0);
+    return durationMs > 0 ? std::min(position, durationMs) : position;
 }
+
+QString unplayableText() { return QStringLiteral("The file is not a recording this computer can play."); }
 
 } // namespace
 
 MibrelAudioPlayer::MibrelAudioPlayer(QObject* parent)
     : QObject(parent), m_player(new QMediaPlayer(this)), m_audioOutput(new QAudioOutput(this)) {
-    // The media pipeline stops with "Internal data stream error" on a file with sound and
-    // nowhere to send it, so there is always an output; muted, it needs no sound device
-    // (the pipeline falls back on a silent sink when the machine has none).
+    // The GStreamer back end stops a file with sound on "Internal data stream error" when
+    // the sound has nowhere to go, so an output is always attached. Muted, it needs no
+    // sound device: with none, the pipeline's automatic sink falls back on a silent one.
     m_audioOutput->setMuted(true);
     m_player->setAudioOutput(m_audioOutput);
+    connectPlayer();
+}
+
+void MibrelAudioPlayer::connectPlayer() {
     connect(m_player, &QMediaPlayer::mediaStatusChanged, this, &MibrelAudioPlayer::followStatus);
     connect(m_player, &QMediaPlayer::playbackStateChanged, this, &MibrelAudioPlayer::followPlayback);
+    connect(m_player, &QMediaPlayer::seekableChanged, this, &MibrelAudioPlayer::settle);
     connect(m_player, &QMediaPlayer::positionChanged, this, &MibrelAudioPlayer::timeChanged);
     connect(m_player, &QMediaPlayer::durationChanged, this, &MibrelAudioPlayer::timeChanged);
-    // A seek lands only once the file can seek, which comes after it has loaded.
-    connect(m_player, &QMediaPlayer::seekableChanged, this, &MibrelAudioPlayer::applyPendingSeek);
     connect(m_player, &QMediaPlayer::errorOccurred, this, [this](QMediaPlayer::Error error, const QString& text) {
-        if (error == QMediaPlayer::NoError) return;
-        m_pendingPlay = false;
-        setError(text.isEmpty() ? QStringLiteral("The file is not a recording this computer can play.") : text);
+        if (error != QMediaPlayer::NoError) fail(text.isEmpty() ? unplayableText() : text);
     });
 }
 
 void MibrelAudioPlayer::setAudioOutputEnabled(bool enabled) { m_audioOutput->setMuted(!enabled); }
 
+bool MibrelAudioPlayer::audioOutputEnabled() const { return !m_audioOutput->isMuted(); }
+
 void MibrelAudioPlayer::load(const QUrl& url) {
+    if (url.isEmpty()) return stop();
     if (m_currentURL != url) replaceSource(url);
 }
 
 void MibrelAudioPlayer::play(const QUrl& url) {
     load(url);
-    if (!m_errorText.isEmpty()) return;
-    if (isReady()) {
-        m_player->play();
-    } else {
-        m_pendingPlay = true;
-    }
+    if (!m_currentURL || !m_errorText.isEmpty()) return;
+    m_pendingPlay = true;
+    settle();
 }
 
 void MibrelAudioPlayer::togglePlay() {
@@ -65,51 +72,70 @@ void MibrelAudioPlayer::togglePlay() {
 }
 
 void MibrelAudioPlayer::seek(double seconds, bool andPlay) {
-    const qint64 target = positionFor(seconds);
-    // The later of two early seeks is the one that lands.
-    m_pendingSeek = target;
-    applyPendingSeek();
-    if (andPlay && m_currentURL) play(*m_currentURL);
+    if (!m_currentURL || !m_errorText.isEmpty()) return;
+    m_pendingSeek = positionFor(seconds, m_player->duration());
+    m_pendingPlay = m_pendingPlay || andPlay;
+    settle();
+    emit timeChanged();
 }
 
 double MibrelAudioPlayer::currentTimeSeconds() const {
     return static_cast<double>(m_pendingSeek.value_or(m_player->position())) / 1000.0;
 }
 
-double MibrelAudioPlayer::durationSeconds() const { return static_cast<double>(m_player->duration()) / 1000.0; }
+double MibrelAudioPlayer::durationSeconds() const {
+    return static_cast<double>(std::max<qint64>(0, m_player->duration())) / 1000.0;
+}
 
 void MibrelAudioPlayer::stop() {
     if (!m_currentURL) return;
-    m_player->stop();
     replaceSource(QUrl());
-    m_currentURL.reset();
 }
 
 void MibrelAudioPlayer::replaceSource(const QUrl& url) {
     m_pendingPlay = false;
     m_pendingSeek.reset();
+    m_sourceLoaded = false;
     setError(QString());
-    m_currentURL = url;
+    m_currentURL = url.isEmpty() ? std::nullopt : std::optional(url);
+    // A missing file can fail inside setSource, so the new location is set before it.
     m_player->setSource(url);
 }
 
 void MibrelAudioPlayer::followStatus() {
     switch (m_player->mediaStatus()) {
     case QMediaPlayer::LoadedMedia:
+    case QMediaPlayer::BufferingMedia:
     case QMediaPlayer::BufferedMedia:
-        applyPendingSeek();
-        if (m_pendingPlay) {
-            m_pendingPlay = false;
-            m_player->play();
+        if (!m_sourceLoaded) {
+            // The file before this one can still report its failure after this one was set;
+            // this one loading shows the failure was not about it.
+            m_sourceLoaded = true;
+            setError(QString());
         }
+        // The player learns that the file can be sought just after it reports it loaded,
+        // and drops a seek until then; playing waits for that seek.
+        QMetaObject::invokeMethod(this, &MibrelAudioPlayer::settle, Qt::QueuedConnection);
         break;
-    case QMediaPlayer::InvalidMedia:
-        m_pendingPlay = false;
-        if (m_errorText.isEmpty()) setError(QStringLiteral("The file is not a recording this computer can play."));
-        break;
+    case QMediaPlayer::InvalidMedia: fail(unplayableText()); break;
     default: break;
     }
     emit timeChanged();
+}
+
+// Carries out a seek and a play asked for before the file could take them: the seek
+// first, so that playing starts from there.
+void MibrelAudioPlayer::settle() {
+    if (!isReady() || !m_errorText.isEmpty()) return;
+    if (m_pendingSeek && m_player->isSeekable()) {
+        const qint64 target = *m_pendingSeek;
+        m_pendingSeek.reset();
+        m_player->setPosition(target);
+    }
+    if (m_pendingPlay) {
+        m_pendingPlay = false;
+        m_player->play();
+    }
 }
 
 void MibrelAudioPlayer::followPlayback() {
@@ -119,10 +145,16 @@ void MibrelAudioPlayer::followPlayback() {
     emit isPlayingChanged();
 }
 
-void MibrelAudioPlayer::applyPendingSeek() {
-    if (!m_pendingSeek || !isReady() || !m_player->isSeekable()) return;
-    m_player->setPosition(*m_pendingSeek);
-    m_pendingSeek.reset();
+// The first reason given is the telling one; the pipeline's later ones follow from it.
+// Before the file has loaded, the failure may yet prove to be the previous file's, so
+// what was asked of this one is kept; with no file, it can only be the previous one's.
+void MibrelAudioPlayer::fail(const QString& text) {
+    if (!m_currentURL) return;
+    if (m_sourceLoaded) {
+        m_pendingPlay = false;
+        m_pendingSeek.reset();
+    }
+    if (m_errorText.isEmpty()) setError(text);
 }
 
 void MibrelAudioPlayer::setError(const QString& text) {

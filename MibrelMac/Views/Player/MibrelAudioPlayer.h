@@ -3,6 +3,7 @@
 #include <optional>
 
 #include <QObject>
+#include <QString>
 #include <QUrl>
 
 class QAudioOutput;
@@ -11,7 +12,8 @@ class QMediaPlayer;
 namespace mibrel {
 
 // Plays a source's recording: load or play a file, toggle, seek to a time (and play from
-// there), and tell the current time for stamping notes. Owned by the view that shows it.
+// there), and tell the current time for stamping notes. Owned by the view that shows it;
+// everything runs on the main thread, where the media player reports too.
 class MibrelAudioPlayer : public QObject {
     Q_OBJECT
 
@@ -19,21 +21,24 @@ public:
     explicit MibrelAudioPlayer(QObject* parent = nullptr);
 
     bool isPlaying() const { return m_isPlaying; }
+    // The file loaded, or none.
     const std::optional<QUrl>& currentURL() const { return m_currentURL; }
     QMediaPlayer* player() const { return m_player; }
     // A play asked for before the recording was ready; it starts once the file is loaded.
-    bool pendingPlay() const { return m_pendingPlay; }
+    bool pendingPlay() const { return m_pendingPlay && m_errorText.isEmpty(); }
     // Why the recording cannot be played; empty while it can.
-    QString errorText() const { return m_errorText; }
+    const QString& errorText() const { return m_errorText; }
 
-    // Sound reaches the speakers only when enabled; tests and benchmarks leave it off and
-    // need no sound device.
+    // Sound reaches the speakers only when enabled. The window enables it; tests leave it
+    // off and need no sound device.
     void setAudioOutputEnabled(bool enabled);
+    bool audioOutputEnabled() const;
 
+    // An empty location unloads.
     void load(const QUrl& url);
     void play(const QUrl& url);
     void togglePlay();
-    // Seeks to `seconds` exactly (whole 1/600 s, no tolerance), then plays if `andPlay`.
+    // Seeks to `seconds` on a 1/600 s grid, then plays if `andPlay`. The last seek wins.
     void seek(double seconds, bool andPlay);
     double currentTimeSeconds() const;
     double durationSeconds() const;
@@ -43,13 +48,16 @@ public:
 signals:
     void isPlayingChanged();
     void errorChanged();
+    // The position or the duration moved.
     void timeChanged();
 
 private:
+    void connectPlayer();
     void replaceSource(const QUrl& url);
     void followStatus();
     void followPlayback();
-    void applyPendingSeek();
+    void settle();
+    void fail(const QString& text);
     void setError(const QString& text);
     bool isReady() const;
 
@@ -59,6 +67,7 @@ private:
     bool m_isPlaying = false;
     bool m_pendingPlay = false;
     std::optional<qint64> m_pendingSeek; // milliseconds, applied once the file is loaded
+    bool m_sourceLoaded = false;         // the current file has loaded at least once
     QString m_errorText;
 };
 

@@ -1,5 +1,8 @@
 #include "MibrelMac/Views/Player/MibrelInlineMediaPlayer.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMediaPlayer>
@@ -17,7 +20,10 @@
 namespace mibrel {
 namespace {
 
+// Times read as the transcript's rows read them.
 QString clock(double seconds) { return kit::qtText(MibrelTranscriptPresenter::clockText(seconds)); }
+
+int milliseconds(double seconds) { return static_cast<int>(std::lround(std::clamp(seconds, 0.0, 2e6) * 1000)); }
 
 } // namespace
 
@@ -27,6 +33,21 @@ MibrelInlineMediaPlayer::MibrelInlineMediaPlayer(MibrelAudioPlayer& player, bool
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(6);
+    layout->addLayout(makeControls());
+    m_error = new QLabel(this);
+    m_error->setObjectName(QStringLiteral("playerError"));
+    m_error->setWordWrap(true);
+    m_error->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_error->setStyleSheet(QStringLiteral("color: %1;").arg(design::toneColor(design::Tone::error).name()));
+    layout->addWidget(m_error);
+    connectControls();
+    setShowsVideo(showsVideo);
+    showPlaying();
+    showTime();
+    showError();
+}
+
+QLayout* MibrelInlineMediaPlayer::makeControls() {
     auto* controls = new QHBoxLayout;
     m_playButton = new QToolButton(this);
     m_playButton->setObjectName(QStringLiteral("playerPlay"));
@@ -43,30 +64,22 @@ MibrelInlineMediaPlayer::MibrelInlineMediaPlayer(MibrelAudioPlayer& player, bool
     m_time->setObjectName(QStringLiteral("playerTime"));
     m_time->setForegroundRole(QPalette::PlaceholderText);
     controls->addWidget(m_time);
-    layout->addLayout(controls);
-    m_error = new QLabel(this);
-    m_error->setObjectName(QStringLiteral("playerError"));
-    m_error->setWordWrap(true);
-    m_error->setStyleSheet(QStringLiteral("color: %1;").arg(design::toneColor(design::Tone::error).name()));
-    layout->addWidget(m_error);
+    return controls;
+}
 
+void MibrelInlineMediaPlayer::connectControls() {
     connect(m_playButton, &QToolButton::clicked, &m_player, &MibrelAudioPlayer::togglePlay);
-    // A drag seeks where it is let go; the keyboard seeks at each step.
-    connect(m_position, &QSlider::sliderReleased, this,
-            [this] { m_player.seek(m_position->value() / 1000.0, m_player.isPlaying()); });
-    connect(m_position, &QSlider::actionTriggered, this, [this](int action) {
-        if (action == QAbstractSlider::SliderMove) return;
-        QMetaObject::invokeMethod(this, [this] { m_player.seek(m_position->value() / 1000.0, m_player.isPlaying()); },
-                                  Qt::QueuedConnection);
+    // A drag seeks where it is let go; a key or a click on the groove seeks at once.
+    connect(m_position, &QSlider::sliderReleased, this, &MibrelInlineMediaPlayer::seekToSlider);
+    connect(m_position, &QSlider::valueChanged, this, [this] {
+        if (!m_position->isSliderDown()) seekToSlider();
     });
     connect(&m_player, &MibrelAudioPlayer::isPlayingChanged, this, &MibrelInlineMediaPlayer::showPlaying);
     connect(&m_player, &MibrelAudioPlayer::timeChanged, this, &MibrelInlineMediaPlayer::showTime);
     connect(&m_player, &MibrelAudioPlayer::errorChanged, this, &MibrelInlineMediaPlayer::showError);
-    setShowsVideo(showsVideo);
-    showPlaying();
-    showTime();
-    showError();
 }
+
+void MibrelInlineMediaPlayer::seekToSlider() { m_player.seek(m_position->value() / 1000.0, m_player.isPlaying()); }
 
 void MibrelInlineMediaPlayer::setShowsVideo(bool showsVideo) {
     m_showsVideo = showsVideo;
@@ -78,9 +91,12 @@ void MibrelInlineMediaPlayer::setShowsVideo(bool showsVideo) {
         m_video->setMaximumHeight(320);
         static_cast<QVBoxLayout*>(layout())->insertWidget(0, m_video);
     }
-    if (m_video) {
-        m_video->setVisible(showsVideo);
-        m_player.player()->setVideoOutput(showsVideo ? m_video : nullptr);
+    if (m_video == nullptr) return;
+    m_video->setVisible(showsVideo);
+    if (showsVideo) {
+        m_player.player()->setVideoOutput(m_video);
+    } else if (m_player.player()->videoOutput() == m_video) {
+        m_player.player()->setVideoOutput(nullptr);
     }
 }
 
@@ -93,21 +109,21 @@ void MibrelInlineMediaPlayer::showPlaying() {
 }
 
 void MibrelInlineMediaPlayer::showTime() {
-    const double duration = std::max(0.0, m_player.durationSeconds());
+    const double duration = m_player.durationSeconds();
     const double now = m_player.currentTimeSeconds();
-    m_position->setRange(0, static_cast<int>(duration * 1000));
-    if (!m_position->isSliderDown()) {
-        const QSignalBlocker quiet(m_position);
-        m_position->setValue(static_cast<int>(now * 1000));
-    }
+    // Moving the slider to follow the player is not a seek.
+    const QSignalBlocker quiet(m_position);
+    m_position->setRange(0, milliseconds(duration));
+    if (!m_position->isSliderDown()) m_position->setValue(milliseconds(now));
     m_time->setText(clock(now) + QStringLiteral(" / ") + clock(duration));
     m_time->setAccessibleName(QStringLiteral("Time %1 of %2").arg(clock(now), clock(duration)));
 }
 
 void MibrelInlineMediaPlayer::showError() {
-    const QString error = m_player.errorText();
-    m_error->setVisible(!error.isEmpty());
+    const QString& error = m_player.errorText();
     m_error->setText(error);
+    m_error->setAccessibleName(error);
+    m_error->setVisible(!error.isEmpty());
     m_playButton->setEnabled(error.isEmpty());
     m_position->setEnabled(error.isEmpty());
 }

@@ -23,6 +23,9 @@ public:
     void setShowsVideo(bool showsVideo);
 
 private:
+    QLayout* makeControls();
+    void connectControls();
+    void seekToSlider();
     void showPlaying();
     void showTime();
     void showError();
