@@ -345,6 +345,15 @@ TEST_F(MibrelCliTest, SuggestionsAreListedAndAcceptedOnlyWhenAsked) {
     const std::string workspace = readText(folder / "study.mvibrl" / "qual" / "workspace.json");
     EXPECT_NE(workspace.find("\"excerpt\": \"My mentor helped a lot.\""), std::string::npos);
     EXPECT_NE(workspace.find("Accepted from Merivante Intelligence suggestion"), std::string::npos);
+    // Each accepted code is logged as a manual apply would be.
+    const CliResult audit = run({"audit", "show", project});
+    ASSERT_EQ(audit.status, kExitSuccess) << audit.err;
+    std::size_t applied = 0;
+    for (std::size_t at = audit.out.find("\"application_added\""); at != std::string::npos;
+         at = audit.out.find("\"application_added\"", at + 1)) {
+        ++applied;
+    }
+    EXPECT_EQ(applied, 2u) << audit.out;
     // Coded segments are not suggested for again.
     EXPECT_NE(run({"suggest", project, sourceID, "--local"}).out.find("\"suggestions\": []"), std::string::npos);
     EXPECT_EQ(run({"suggest", project, "not-an-id"}).status, kExitUsage);

@@ -5,13 +5,15 @@
 #include <string>
 
 #include "MibrelCore/Analysis/TeskAnalysisCorpus.h"
+#include "MibrelMac/App/MibrelAuditHook.h"
 #include "MibrelMac/State/MibrelScriptedPanels.h"
 #include "MibrelMac/State/MibrelSourcesState.h"
 #include "MibrelMac/State/MibrelWorkspaceState.h"
 
 namespace mibrel::cli {
 
-// A project's two state objects, bound as the window binds them. A damaged transcript is
+// A project's two state objects, bound as the window binds them, the audit trail included,
+// so an edit made here is logged as one made in the window. A damaged transcript is
 // something the window reports once; here it does not fail every command.
 struct BoundProject {
     MibrelScriptedPanels panels;
@@ -20,6 +22,7 @@ struct BoundProject {
 
     explicit BoundProject(const std::filesystem::path& projectURL) {
         workspace.bind(projectURL);
+        workspace.onAuditEvent = auditTrailHook(workspace, projectURL);
         sources.bind(projectURL);
         sources.setLastError(std::nullopt);
     }
