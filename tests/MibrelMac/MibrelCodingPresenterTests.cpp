@@ -1,4 +1,5 @@
 #include "MibrelMac/State/Tools/Coding/MibrelCodingPresenter.h"
+#include "MibrelMac/State/Tools/Coding/MibrelCodingInspectorPresenter.h"
 
 #include <QSettings>
 #include <gtest/gtest.h>
@@ -109,7 +110,8 @@ TEST_F(MibrelCodingPresenterTest, QuotesCarryTheSortedCodesAndTheThemesOverTheCo
     EXPECT_EQ(MibrelCodingPresenter::uniqueCodeIDs(applications), MibrelCodingPresenter::uniqueCodeIDs(reversed));
     EXPECT_EQ(MibrelCodingPresenter::uniqueCodeIDs(applications).size(), 2u);
 
-    EXPECT_EQ(presenter.quoteRationale({pay, workload}, {}), "Pinned during coding as evidence for Pay, Workload.");
+    EXPECT_EQ(MibrelCodingPresenter::quoteRationale(workspace, {pay, workload}, {}),
+              "Pinned during coding as evidence for Pay, Workload.");
     workspace.addTheme("Leaving teaching", "", {workload});
     presenter.pinQuote(1);
     ASSERT_TRUE(presenter.quoteAt(1));
@@ -133,6 +135,55 @@ TEST_F(MibrelCodingPresenterTest, TheSelectionMovesAndSurvivesADeletedSegment) {
     EXPECT_EQ(presenter.rowCount(), 2u);
     presenter.moveSelection(1);
     EXPECT_EQ(presenter.selectedRow(), 0u);
+}
+
+// Character ranges count what a reader sees as one character: an accented letter written
+// as two code points, or an emoji, is one.
+TEST(MibrelCodingInspectorRangeTest, RangesCountReadersCharacters) {
+    using Inspector = MibrelCodingInspectorPresenter;
+    EXPECT_EQ(Inspector::characterRange("The pay was low.", "pay"), (std::pair<std::int64_t, std::int64_t>{4, 7}));
+    EXPECT_EQ(Inspector::characterRange("Cafe\u0301 \U0001F44D pay", "pay"),
+              (std::pair<std::int64_t, std::int64_t>{7, 10}));
+    EXPECT_FALSE(Inspector::characterRange("The pay was low.", "The pay was low."));
+    EXPECT_FALSE(Inspector::characterRange("The pay was low.", "salary"));
+}
+
+TEST_F(MibrelCodingPresenterTest, TheInspectorCodesAnExcerptWithItsPlaceAndStartsAfresh) {
+    MibrelCodingInspectorPresenter inspector(sources, workspace, shellUI);
+    EXPECT_EQ(inspector.segment(), nullptr);
+    presenter.select(1);
+    ASSERT_NE(inspector.segment(), nullptr);
+    inspector.excerpt = "  pay was low ";
+    inspector.memo = "About salary";
+    inspector.newCodeName = " Pay ";
+    inspector.apply();
+    auto saved = TeskWorkspaceStore::load(project)->applications;
+    ASSERT_EQ(saved.size(), 1u);
+    EXPECT_EQ(saved[0].excerpt, "pay was low");
+    EXPECT_EQ(saved[0].memo, "About salary");
+    EXPECT_EQ(saved[0].response.charStart, 4);
+    EXPECT_EQ(saved[0].response.charEnd, 15);
+    EXPECT_EQ(workspace.code(saved[0].codeID)->name, "Pay");
+    EXPECT_TRUE(inspector.excerpt.empty() && inspector.memo.empty() && inspector.newCodeName.empty());
+    EXPECT_EQ(inspector.appliedCodes().size(), 1u);
+
+    // An excerpt that is not in the text is kept, without a place.
+    inspector.selectedCodeID = addCode("Workload");
+    inspector.excerpt = "salary was poor";
+    inspector.apply();
+    saved = TeskWorkspaceStore::load(project)->applications;
+    ASSERT_EQ(saved.size(), 2u);
+    EXPECT_EQ(saved[1].excerpt, "salary was poor");
+    EXPECT_FALSE(saved[1].response.charStart);
+
+    // Drafts belong to one segment.
+    inspector.memo = "half written";
+    presenter.select(0);
+    EXPECT_TRUE(inspector.memo.empty());
+    inspector.excerpt = "the kids";
+    inspector.pinQuote();
+    ASSERT_TRUE(presenter.quoteAt(0));
+    EXPECT_EQ(presenter.quoteAt(0)->text, "the kids");
 }
 
 } // namespace

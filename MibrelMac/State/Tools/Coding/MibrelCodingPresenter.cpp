@@ -188,7 +188,7 @@ void MibrelCodingPresenter::pinQuote(std::size_t row) {
     const std::vector<Uuid> themeIDs = m_workspace.themeIDs(codeIDs);
     const std::string text = segmentAt(row).text;
     const auto quoteID = m_workspace.addQuote(reference(row), text, codeIDs, themeIDs, "",
-                                              quoteRationale(codeIDs, themeIDs), std::nullopt);
+                                              quoteRationale(m_workspace, codeIDs, themeIDs), std::nullopt);
     if (quoteID) {
         m_shellUI.selectedQuoteID = quoteID;
         emit m_shellUI.selectionChanged();
@@ -204,15 +204,15 @@ std::vector<Uuid> MibrelCodingPresenter::uniqueCodeIDs(const std::vector<TeskCod
     return ids;
 }
 
-std::string MibrelCodingPresenter::quoteRationale(const std::vector<Uuid>& codeIDs,
-                                                  const std::vector<Uuid>& themeIDs) const {
+std::string MibrelCodingPresenter::quoteRationale(const MibrelWorkspaceState& workspace,
+                                                  const std::vector<Uuid>& codeIDs, const std::vector<Uuid>& themeIDs) {
     std::vector<std::string> names;
     for (const Uuid& id : themeIDs) {
-        if (const TeskTheme* theme = m_workspace.theme(id)) names.push_back(theme->name);
+        if (const TeskTheme* theme = workspace.theme(id)) names.push_back(theme->name);
     }
     if (names.empty()) {
         for (const Uuid& id : codeIDs) {
-            if (const TeskCode* code = m_workspace.code(id)) names.push_back(code->name);
+            if (const TeskCode* code = workspace.code(id)) names.push_back(code->name);
         }
     }
     return names.empty() ? std::string() : "Pinned during coding as evidence for " + joinedNames(names) + ".";

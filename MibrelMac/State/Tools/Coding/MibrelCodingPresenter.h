@@ -86,7 +86,8 @@ public:
     // depend on the order of coding.
     static std::vector<Uuid> uniqueCodeIDs(const std::vector<TeskCodeApplication>& applications);
     // "Pinned during coding as evidence for {names}.": the themes' names, else the codes'.
-    std::string quoteRationale(const std::vector<Uuid>& codeIDs, const std::vector<Uuid>& themeIDs) const;
+    static std::string quoteRationale(const MibrelWorkspaceState& workspace, const std::vector<Uuid>& codeIDs,
+                                      const std::vector<Uuid>& themeIDs);
 
 signals:
     // The source, its segments or the evidence on them changed.
