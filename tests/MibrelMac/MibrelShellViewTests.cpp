@@ -1,6 +1,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAbstractSlider>
+#include <QComboBox>
 #include <QScrollBar>
 #include <QCoreApplication>
 #include <QPlainTextEdit>
@@ -310,19 +311,30 @@ TEST_F(MibrelShellViewTest, EveryControlHasAName) {
     std::filesystem::create_directories(TeskSourceStore::sourceDirectory(folder / "Study.mvibrl", recording.id));
     std::filesystem::copy_file(std::filesystem::path(MIBREL_MEDIA_FIXTURES) / "video-with-sound.mp4",
                                TeskSourceStore::sourceDirectory(folder / "Study.mvibrl", recording.id) / "speech.m4a");
+    TeskSourceStore::saveTranscript(TeskTranscript{{{"a", 1.0, 2.0, "Hello there."}}}, recording.id,
+                                    folder / "Study.mvibrl");
     sources.bind(folder / "Study.mvibrl");
-    shellUI.setSelectedTool(MibrelTool::sources); // the transcript, its player and its notes
+    workspace.bind(folder / "Study.mvibrl");
+    workspace.addCode("Workload", "");
+    shellUI.codingSelection = MibrelCodingSelection{recording.id, "a"};
     view.findChild<QLineEdit*>(QStringLiteral("shellSourceFilter"))->setText(QStringLiteral("a"));
+    // Every tool's page and inspector, as each is shown: Sources with the transcript, its
+    // player and its notes; Read & Code with its palette and inspector.
     QStringList unnamed;
-    for (QWidget* control : view.findChildren<QWidget*>()) {
-        const bool isControl = qobject_cast<QAbstractButton*>(control) || qobject_cast<QLineEdit*>(control) ||
-                               qobject_cast<QAbstractItemView*>(control) || qobject_cast<QPlainTextEdit*>(control) ||
-                               (qobject_cast<QAbstractSlider*>(control) && !qobject_cast<QScrollBar*>(control));
-        if (!isControl || control->isHidden()) continue;
-        const auto* button = qobject_cast<QAbstractButton*>(control);
-        const bool named = !control->accessibleName().isEmpty() || (button && !button->text().isEmpty()) ||
-                           (button && !button->toolTip().isEmpty());
-        if (!named) unnamed << QString::fromUtf8(control->metaObject()->className()) + u' ' + control->objectName();
+    for (MibrelTool tool : platform::allCases<MibrelTool>()) {
+        shellUI.setSelectedTool(tool);
+        for (QWidget* control : view.findChildren<QWidget*>()) {
+            const bool isControl = qobject_cast<QAbstractButton*>(control) || qobject_cast<QLineEdit*>(control) ||
+                                   qobject_cast<QAbstractItemView*>(control) || qobject_cast<QPlainTextEdit*>(control) ||
+                                   qobject_cast<QComboBox*>(control) ||
+                                   (qobject_cast<QAbstractSlider*>(control) && !qobject_cast<QScrollBar*>(control));
+            if (!isControl || !control->isVisibleTo(&view)) continue;
+            const auto* button = qobject_cast<QAbstractButton*>(control);
+            const bool named = !control->accessibleName().isEmpty() || (button && !button->text().isEmpty()) ||
+                               (button && !button->toolTip().isEmpty());
+            const QString name = QString::fromUtf8(control->metaObject()->className()) + u' ' + control->objectName();
+            if (!named && !unnamed.contains(name)) unnamed << name;
+        }
     }
     EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(QStringLiteral(", ")).toStdString();
 }

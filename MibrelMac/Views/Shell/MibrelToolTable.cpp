@@ -4,6 +4,8 @@
 
 #include <QWidget>
 
+#include "MibrelMac/Views/Coding/MibrelCodingInspectorPanel.h"
+#include "MibrelMac/Views/Coding/MibrelCodingView.h"
 #include "MibrelMac/Views/Player/MibrelAudioPlayer.h"
 #include "MibrelMac/Views/Shell/MibrelPendingToolPage.h"
 #include "MibrelMac/Views/Sources/MibrelSourceInspectorPanel.h"
@@ -30,6 +32,15 @@ MibrelToolParts makeSources(const MibrelToolContext& context) {
     return {page, new MibrelSourceInspectorPanel(context.sources, context.workspace, *player)};
 }
 
+// Read & Code has its own player, so a segment can be heard where it stands.
+MibrelToolParts makeCoding(const MibrelToolContext& context) {
+    auto* player = new MibrelAudioPlayer;
+    player->setAudioOutputEnabled(context.playsAudio);
+    auto* page = new MibrelCodingView(context.sources, context.workspace, context.shellUI, *player);
+    player->setParent(page);
+    return {page, new MibrelCodingInspectorPanel(context.sources, context.workspace, context.shellUI)};
+}
+
 constexpr std::array entries = {
     ToolEntry{MibrelTool::sources, "MibrelSourceInspectorPanel", "Your transcripts, recordings and responses.", "",
               makeSources},
@@ -39,7 +50,7 @@ constexpr std::array entries = {
               "Read each source in the light of its setting and circumstances.",
               "The selected contextual review: the setting, circumstances and notes of one source.", nullptr},
     ToolEntry{MibrelTool::coding, "MibrelCodingInspectorPanel", "Read closely and mark passages with codes.",
-              "The selected segment: trim an excerpt, add a memo, pick or create a code, pin a quote.", nullptr},
+              "The selected segment: trim an excerpt, add a memo, pick or create a code, pin a quote.", makeCoding},
     ToolEntry{MibrelTool::codebook, "MibrelCodeInspectorPanel", "Define, group and refine your codes.",
               "The selected code: its name, definition, category and the excerpts coded with it.", nullptr},
     ToolEntry{MibrelTool::analysis, "MibrelAnalysisLensInspectorPanel", "Look across sources and codes for patterns.",

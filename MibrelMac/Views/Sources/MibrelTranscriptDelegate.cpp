@@ -1,7 +1,8 @@
 #include "MibrelMac/Views/Sources/MibrelTranscriptDelegate.h"
 
-#include <QApplication>
 #include <QPainter>
+
+#include "MibrelMac/Views/Kit/MibrelKitRows.h"
 #include <QPlainTextEdit>
 
 #include "MibrelMac/Views/Sources/MibrelTranscriptModel.h"
@@ -28,11 +29,9 @@ QRect MibrelTranscriptDelegate::textRect(const QStyleOptionViewItem& option, con
 
 void MibrelTranscriptDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                      const QModelIndex& index) const {
-    QStyleOptionViewItem background = option;
-    initStyleOption(&background, index);
-    background.text.clear();
-    QStyle* style = option.widget ? option.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &background, painter, option.widget);
+    QStyleOptionViewItem row = option;
+    initStyleOption(&row, index);
+    kit::drawRowBackground(painter, row);
 
     const bool selected = option.state.testFlag(QStyle::State_Selected);
     const QPalette::ColorRole textRole = selected ? QPalette::HighlightedText : QPalette::Text;

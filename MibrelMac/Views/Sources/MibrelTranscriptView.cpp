@@ -19,6 +19,7 @@
 #include "MibrelMac/Views/Kit/MibrelDesign.h"
 #include "MibrelMac/Views/Kit/MibrelKitEmptyState.h"
 #include "MibrelMac/Views/Kit/MibrelKitPill.h"
+#include "MibrelMac/Views/Kit/MibrelKitRows.h"
 #include "MibrelMac/Views/Kit/MibrelKitText.h"
 #include "MibrelMac/Views/Kit/MibrelToolIcons.h"
 #include "MibrelMac/Views/Kit/MibrelTypography.h"
@@ -45,23 +46,6 @@ QPushButton* makeButton(const QString& name, QWidget* parent) {
     return button;
 }
 
-QListView* makeSegmentList(QAbstractItemModel* model, QWidget* parent) {
-    auto* list = new QListView(parent);
-    list->setObjectName(QStringLiteral("transcriptSegments"));
-    list->setAccessibleName(QStringLiteral("Transcript segments"));
-    list->setModel(model);
-    list->setWordWrap(true);
-    list->setUniformItemSizes(false);
-    list->setResizeMode(QListView::Adjust);
-    // Rows are laid out in batches, so a transcript of thousands of segments paints at once.
-    list->setLayoutMode(QListView::Batched);
-    list->setBatchSize(200);
-    list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
-    list->setContextMenuPolicy(Qt::CustomContextMenu);
-    return list;
-}
-
 } // namespace
 
 MibrelTranscriptView::MibrelTranscriptView(MibrelSourcesState& sources, MibrelWorkspaceState& workspace,
@@ -81,7 +65,9 @@ MibrelTranscriptView::MibrelTranscriptView(MibrelSourcesState& sources, MibrelWo
     m_empty->setObjectName(QStringLiteral("transcriptEmpty"));
     layout->addWidget(m_empty);
 
-    m_list = makeSegmentList(m_model, this);
+    m_list = kit::makeTextRowList(m_model, QStringLiteral("transcriptSegments"), QStringLiteral("Transcript segments"),
+                                  this);
+    m_list->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
     m_list->setItemDelegate(new MibrelTranscriptDelegate(
         [this](const QString& id, const QString& text) { commitEdit(id, text); }, m_list));
     m_notes = new MibrelMediaNotesPanel(sources, [this] { return m_player.currentTimeSeconds(); }, this);

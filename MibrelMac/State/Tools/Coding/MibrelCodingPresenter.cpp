@@ -12,12 +12,6 @@ namespace {
 
 const std::vector<TeskCodeApplication> kNoApplications;
 
-std::string joinedNames(const std::vector<std::string>& names) {
-    std::string joined;
-    for (const std::string& name : names) joined += (joined.empty() ? "" : ", ") + name;
-    return joined;
-}
-
 } // namespace
 
 MibrelCodingPresenter::MibrelCodingPresenter(MibrelSourcesState& sources, MibrelWorkspaceState& workspace,
@@ -70,6 +64,11 @@ MibrelCodingPresenter::Summary MibrelCodingPresenter::summary() const {
     return result;
 }
 
+std::optional<std::filesystem::path> MibrelCodingPresenter::mediaLocation() const {
+    const TeskSource* current = source();
+    return current ? m_sources.mediaURL(*current) : std::nullopt;
+}
+
 void MibrelCodingPresenter::ensureActiveCode() {
     const auto& active = m_shellUI.activeCodeID;
     if (active && m_workspace.code(*active) != nullptr) return;
@@ -77,7 +76,7 @@ void MibrelCodingPresenter::ensureActiveCode() {
     const std::optional<Uuid> first = codes.isEmpty() ? std::nullopt : std::optional(codes[0].id);
     if (first == active) return;
     m_shellUI.activeCodeID = first;
-    emit activeCodeChanged();
+    emit paletteChanged();
 }
 
 const TeskCode* MibrelCodingPresenter::activeCode() const {
@@ -87,13 +86,13 @@ const TeskCode* MibrelCodingPresenter::activeCode() const {
 void MibrelCodingPresenter::setActiveCode(const Uuid& codeID) {
     if (m_workspace.code(codeID) == nullptr || m_shellUI.activeCodeID == codeID) return;
     m_shellUI.activeCodeID = codeID;
-    emit activeCodeChanged();
+    emit paletteChanged();
 }
 
 void MibrelCodingPresenter::setPaletteFilter(std::string filter) {
     if (filter == m_paletteFilter) return;
     m_paletteFilter = std::move(filter);
-    emit changed();
+    emit paletteChanged();
 }
 
 std::vector<const TeskCode*> MibrelCodingPresenter::paletteCodes() const {
@@ -138,6 +137,33 @@ MibrelCodingPresenter::RowActions MibrelCodingPresenter::actionsAt(std::size_t r
     const bool hasActive = activeCode() != nullptr;
     return {hasActive ? "Apply active code" : "Select an active code", hasActive, quoteAt(row).has_value(),
             segmentAt(row).start.has_value() && source()->mediaFilename.has_value()};
+}
+
+std::vector<MibrelCodingPresenter::Chip> MibrelCodingPresenter::chipsAt(std::size_t row) const {
+    std::vector<Chip> chips;
+    for (const TeskCodeApplication& application : applicationsAt(row)) {
+        const bool seen = std::any_of(chips.begin(), chips.end(), [&](const Chip& c) { return c.codeID == application.codeID; });
+        if (seen) continue;
+        if (const TeskCode* code = m_workspace.code(application.codeID)) chips.push_back({code->id, code->name});
+    }
+    return chips;
+}
+
+std::optional<Uuid> MibrelCodingPresenter::applicationOf(std::size_t row, const Uuid& codeID) const {
+    for (const TeskCodeApplication& application : applicationsAt(row)) {
+        if (application.codeID == codeID) return application.id;
+    }
+    return std::nullopt;
+}
+
+void MibrelCodingPresenter::removeCode(std::size_t row, const Uuid& codeID) {
+    if (const auto id = applicationOf(row, codeID)) m_workspace.deleteApplication(*id);
+}
+
+std::string MibrelCodingPresenter::joined(const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+    return text;
 }
 
 TeskResponseRef MibrelCodingPresenter::reference(std::size_t row) const {
@@ -195,6 +221,23 @@ void MibrelCodingPresenter::pinQuote(std::size_t row) {
     }
 }
 
+void MibrelCodingPresenter::updatePinnedQuote(std::size_t row) {
+    if (row >= rowCount()) return;
+    auto quote = quoteAt(row);
+    if (!quote) return;
+    quote->codeIDs = uniqueCodeIDs(applicationsAt(row));
+    quote->themeIDs = m_workspace.themeIDs(quote->codeIDs);
+    quote->rationale = quoteRationale(m_workspace, quote->codeIDs, quote->themeIDs);
+    m_workspace.updateQuote(*quote);
+}
+
+void MibrelCodingPresenter::openQuoteInEvidence(std::size_t row) {
+    if (row >= rowCount()) return;
+    const auto quote = quoteAt(row);
+    if (!quote) return;
+    m_shellUI.jumpTo(MibrelTool::evidence, [id = quote->id](MibrelShellUIState& shell) { shell.selectedQuoteID = id; });
+}
+
 std::vector<Uuid> MibrelCodingPresenter::uniqueCodeIDs(const std::vector<TeskCodeApplication>& applications) {
     std::vector<Uuid> ids;
     for (const TeskCodeApplication& application : applications) ids.push_back(application.codeID);
@@ -215,7 +258,7 @@ std::string MibrelCodingPresenter::quoteRationale(const MibrelWorkspaceState& wo
             if (const TeskCode* code = workspace.code(id)) names.push_back(code->name);
         }
     }
-    return names.empty() ? std::string() : "Pinned during coding as evidence for " + joinedNames(names) + ".";
+    return names.empty() ? std::string() : "Pinned during coding as evidence for " + joined(names) + ".";
 }
 
 } // namespace mibrel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -53,6 +54,8 @@ public:
 
     const TeskSource* source() const;
     Summary summary() const;
+    // The recording to play beside the rows; absent for text or a file that is gone.
+    std::optional<std::filesystem::path> mediaLocation() const;
 
     // The active code: kept pointing at a code that exists, the first one when it does not.
     void ensureActiveCode();
@@ -69,6 +72,15 @@ public:
     const TranscriptSegment& segmentAt(std::size_t row) const;
     const std::vector<TeskCodeApplication>& applicationsAt(std::size_t row) const;
     RowActions actionsAt(std::size_t row) const;
+    // The codes on the row, each once, in the order they were applied.
+    struct Chip {
+        Uuid codeID;
+        std::string name;
+    };
+    std::vector<Chip> chipsAt(std::size_t row) const;
+    // The application of `codeID` on the row, for its chip's "Remove code {name}".
+    std::optional<Uuid> applicationOf(std::size_t row, const Uuid& codeID) const;
+    void removeCode(std::size_t row, const Uuid& codeID);
     std::optional<TeskQuote> quoteAt(std::size_t row) const;
 
     // The row of the selected segment in this source, if any.
@@ -81,18 +93,24 @@ public:
     void applyActiveCode(std::size_t row);
     // Pins the whole segment as a quote, with its codes and their themes; selects the quote.
     void pinQuote(std::size_t row);
+    // Gives the row's quote the codes now on the segment, their themes and a fresh rationale.
+    void updatePinnedQuote(std::size_t row);
+    // Shows the row's quote in the Evidence tool.
+    void openQuoteInEvidence(std::size_t row);
 
     // Distinct code ids of `applications`, sorted by their text form, so a quote does not
     // depend on the order of coding.
     static std::vector<Uuid> uniqueCodeIDs(const std::vector<TeskCodeApplication>& applications);
     // "Pinned during coding as evidence for {names}.": the themes' names, else the codes'.
+    static std::string joined(const std::vector<std::string>& names);
     static std::string quoteRationale(const MibrelWorkspaceState& workspace, const std::vector<Uuid>& codeIDs,
                                       const std::vector<Uuid>& themeIDs);
 
 signals:
     // The source, its segments or the evidence on them changed.
     void changed();
-    void activeCodeChanged();
+    // The active code, the codes listed or their filter changed.
+    void paletteChanged();
     void selectionChanged();
 
 private:
