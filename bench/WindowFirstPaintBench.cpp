@@ -11,6 +11,8 @@
 #include <benchmark/benchmark.h>
 
 #include "MibrelMac/App/MibrelApp.h"
+#include "MibrelMac/State/Tools/Coding/MibrelCodingPresenter.h"
+#include "MibrelMac/Views/Coding/MibrelCodingView.h"
 #include "MibrelMac/Views/MibrelMainWindow.h"
 #include "MibrelMac/Views/MibrelQtPanels.h"
 #include "Platform/Foundation/EnumRawValues.h"
@@ -177,6 +179,53 @@ void BM_ScrollLongTranscript(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_ScrollLongTranscript)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(40);
+
+// Read & Code on the 5,000-segment source with 500 codes: the selection moved one row, the
+// active code applied to it until its chip shows (the workspace's save included), and undone.
+MibrelCodingPresenter& codingOnLongSource(Window& w) {
+    if (!w.app.session().manifest()) w.open();
+    w.app.sourcesState().select(w.app.sourcesState().sources().at(0).id);
+    w.app.shellUI().setSelectedTool(MibrelTool::coding);
+    w.paint();
+    return w.window.findChild<MibrelCodingView*>()->presenter();
+}
+
+void BM_CodingMoveSelection(benchmark::State& state) {
+    Window& w = window();
+    MibrelCodingPresenter& coding = codingOnLongSource(w);
+    for (auto _ : state) {
+        if (coding.selectedRow().value_or(0) + 1 >= coding.rowCount()) coding.select(0);
+        coding.moveSelection(1);
+        w.paint();
+    }
+}
+BENCHMARK(BM_CodingMoveSelection)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(40);
+
+void BM_CodingApplyActiveCode(benchmark::State& state) {
+    Window& w = window();
+    MibrelCodingPresenter& coding = codingOnLongSource(w);
+    std::size_t row = 100;
+    for (auto _ : state) {
+        coding.applyActiveCode(++row);
+        w.paint();
+    }
+}
+BENCHMARK(BM_CodingApplyActiveCode)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
+
+void BM_CodingUndoApply(benchmark::State& state) {
+    Window& w = window();
+    MibrelCodingPresenter& coding = codingOnLongSource(w);
+    std::size_t row = 2'000;
+    for (auto _ : state) {
+        state.PauseTiming();
+        coding.applyActiveCode(++row);
+        w.paint();
+        state.ResumeTiming();
+        w.app.workspaceState().undo();
+        w.paint();
+    }
+}
+BENCHMARK(BM_CodingUndoApply)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
 
 } // namespace
 } // namespace mibrel::bench

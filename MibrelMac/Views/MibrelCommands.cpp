@@ -35,6 +35,9 @@ MibrelCommands::MibrelCommands(QMainWindow& window, MibrelApp& app) : QObject(&w
     addFileMenu(window);
     addEditMenu(window);
     addViewMenu(window);
+    QMenu* help = window.menuBar()->addMenu(QStringLiteral("&Help"));
+    connect(addAction(help, QStringLiteral("Keyboard Shortcuts"), QKeySequence(QStringLiteral("Ctrl+/"))),
+            &QAction::triggered, this, &MibrelCommands::shortcutsRequested);
     connect(&app.shellUI(), &MibrelShellUIState::inspectorVisibilityChanged, this, &MibrelCommands::refresh);
     connect(&app.shellUI(), &MibrelShellUIState::selectedToolChanged, this, &MibrelCommands::refresh);
     refresh();

@@ -27,6 +27,7 @@ public:
 
 signals:
     void settingsRequested();
+    void shortcutsRequested();
 
 private:
     void addFileMenu(QMainWindow& window);

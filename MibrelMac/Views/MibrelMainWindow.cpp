@@ -14,6 +14,7 @@
 #include "MibrelMac/Helper/MibrelResourcePaths.h"
 #include "MibrelMac/State/MibrelSampleProject.h"
 #include "MibrelMac/Views/MibrelCommands.h"
+#include "MibrelMac/Views/MibrelKeyboardShortcutsView.h"
 #include "MibrelMac/Views/MibrelQtPanels.h"
 #include "MibrelMac/Views/MibrelSettingsView.h"
 #include "MibrelMac/Views/Shell/MibrelShellView.h"
@@ -32,6 +33,11 @@ MibrelMainWindow::MibrelMainWindow(MibrelApp& app, MibrelQtPanels& panels, QSett
         auto* settingsView = new MibrelSettingsView(this);
         settingsView->setAttribute(Qt::WA_DeleteOnClose);
         settingsView->open();
+    });
+    connect(m_commands, &MibrelCommands::shortcutsRequested, this, [this] {
+        auto* shortcuts = new MibrelKeyboardShortcutsView(this);
+        shortcuts->setAttribute(Qt::WA_DeleteOnClose);
+        shortcuts->show(); // beside the window, not in its way
     });
 
     m_root = new QStackedWidget(this);
