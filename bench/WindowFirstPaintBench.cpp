@@ -205,10 +205,14 @@ void BM_CodingApplyActiveCode(benchmark::State& state) {
     Window& w = window();
     MibrelCodingPresenter& coding = codingOnLongSource(w);
     std::size_t row = 100;
+    const std::size_t before = w.app.workspaceState().workspace().applications.size();
     for (auto _ : state) {
         coding.applyActiveCode(++row);
         w.paint();
     }
+    // Each apply must have added one application, or the figure would measure nothing.
+    const std::size_t added = w.app.workspaceState().workspace().applications.size() - before;
+    if (added != state.iterations()) state.SkipWithError("an apply added nothing");
 }
 BENCHMARK(BM_CodingApplyActiveCode)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(10);
 

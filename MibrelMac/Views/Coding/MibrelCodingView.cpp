@@ -159,20 +159,37 @@ void MibrelCodingView::refresh() {
 }
 
 void MibrelCodingView::refreshPalette() {
-    while (m_paletteRow->count() > 2) delete m_paletteRow->takeAt(0)->widget();
     const auto codes = m_presenter->paletteCodes();
-    m_paletteEmpty->setVisible(codes.empty() && m_presenter->paletteFilter().empty());
+    std::vector<std::pair<Uuid, std::string>> listed;
+    for (const TeskCode* code : codes) listed.emplace_back(code->id, code->name);
     const TeskCode* active = m_presenter->activeCode();
-    for (std::size_t i = 0; i < codes.size(); ++i) {
+    // Most changes (an apply, an undo) leave the codebook as it was: only the check moves.
+    if (listed != m_paletteShown) {
+        m_paletteShown = listed;
+        rebuildPalette();
+    }
+    for (int i = 0; i + 2 < m_paletteRow->count(); ++i) {
+        auto* button = static_cast<QToolButton*>(m_paletteRow->itemAt(i)->widget());
+        button->setChecked(active != nullptr && m_paletteShown[static_cast<std::size_t>(i)].first == active->id);
+    }
+    m_paletteEmpty->setVisible(codes.empty() && m_presenter->paletteFilter().empty());
+}
+
+void MibrelCodingView::rebuildPalette() {
+    while (m_paletteRow->count() > 2) delete m_paletteRow->takeAt(0)->widget();
+    for (std::size_t i = 0; i < m_paletteShown.size(); ++i) {
+        const auto& [id, text] = m_paletteShown[i];
         auto* button = new QToolButton(m_paletteRow->parentWidget());
-        const QString name = kit::menuText(kit::qtText(codes[i]->name));
+        const QString name = kit::menuText(kit::qtText(text));
         button->setText(i < 9 ? QStringLiteral("%1  %2").arg(i + 1).arg(name) : name);
         button->setCheckable(true);
-        button->setChecked(codes[i] == active);
-        button->setAccessibleName(kit::qtText(codes[i]->name));
+        button->setAccessibleName(kit::qtText(text));
         button->setToolTip(i < 9 ? QStringLiteral("Make this the active code (%1)").arg(i + 1)
                                  : QStringLiteral("Make this the active code"));
-        connect(button, &QToolButton::clicked, this, [this, id = codes[i]->id] { m_presenter->setActiveCode(id); });
+        connect(button, &QToolButton::clicked, this, [this, id = id] {
+            m_presenter->setActiveCode(id);
+            refreshPalette(); // a click on the active code leaves it checked
+        });
         m_paletteRow->insertWidget(m_paletteRow->count() - 2, button);
     }
 }

@@ -1,8 +1,13 @@
 #pragma once
 
 #include <array>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include <QWidget>
+
+#include "Platform/Foundation/Uuid.h"
 
 class QHBoxLayout;
 class QLabel;
@@ -43,6 +48,7 @@ private:
     QWidget* makePalette();
     void refresh();
     void refreshPalette();
+    void rebuildPalette();
     void followSelection();
     void loadMedia();
     void playRow(int row);
@@ -57,6 +63,7 @@ private:
     QLineEdit* m_paletteFilter = nullptr;
     QHBoxLayout* m_paletteRow = nullptr;
     QLabel* m_paletteEmpty = nullptr;
+    std::vector<std::pair<platform::Uuid, std::string>> m_paletteShown; // the codes the buttons stand for
     MibrelInlineMediaPlayer* m_playerView = nullptr;
     MibrelKitEmptyState* m_empty = nullptr;
     QWidget* m_content = nullptr;
