@@ -46,8 +46,8 @@ std::vector<QUrl> forwardedRequests(const QStringList& arguments) {
 }
 
 // "--screenshot FILE": saves a picture of the window once background work has finished
-// (the pool of worker threads is idle twice in a row), then quits; after ten seconds it
-// takes the picture anyway.
+// (the pool of worker threads idle at three polls in a row, 200 ms apart), then quits;
+// after twenty seconds it takes the picture anyway.
 void scheduleScreenshot(const QStringList& arguments, QWidget& window) {
     const qsizetype flag = arguments.indexOf(QStringLiteral("--screenshot"));
     if (flag < 0 || flag + 1 >= arguments.size()) return;
