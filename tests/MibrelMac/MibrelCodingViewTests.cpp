@@ -6,6 +6,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSettings>
+#include <QTextCursor>
 #include <QTest>
 #include <QToolButton>
 #include <gtest/gtest.h>
@@ -119,6 +120,30 @@ TEST_F(MibrelCodingViewTest, TheInspectorAppliesATrimmedExcerpt) {
     EXPECT_EQ(applications[0].response.charStart, 4);
     EXPECT_EQ(applications[0].response.charEnd, 15);
     EXPECT_TRUE(excerpt->toPlainText().isEmpty());
+}
+
+// Words selected in the segment become the excerpt, stored at the place selected even when
+// they occur earlier too.
+TEST_F(MibrelCodingViewTest, SelectedWordsBecomeTheExcerptAtTheirPlace) {
+    TeskSourceStore::saveTranscript(TeskTranscript{{{"a", std::nullopt, std::nullopt, "Pay, pay and more pay."}}},
+                                    source.id, project);
+    sources.bind(project);
+    MibrelCodingInspectorPanel inspector(sources, workspace, shellUI);
+    view.presenter().select(0);
+    auto* text = inspector.findChild<QPlainTextEdit*>(QStringLiteral("codingInspectorSegmentText"));
+    ASSERT_EQ(text->toPlainText(), QStringLiteral("Pay, pay and more pay."));
+    QTextCursor cursor = text->textCursor();
+    cursor.setPosition(17); // " pay", the last one, with the blank before it
+    cursor.setPosition(21, QTextCursor::KeepAnchor);
+    text->setTextCursor(cursor);
+    EXPECT_EQ(inspector.findChild<QPlainTextEdit*>(QStringLiteral("codingInspectorExcerpt"))->toPlainText(),
+              QStringLiteral("pay"));
+    inspector.findChild<QPushButton*>(QStringLiteral("codingInspectorApply"))->click();
+    const auto applications = saved();
+    ASSERT_EQ(applications.size(), 1u);
+    EXPECT_EQ(applications[0].excerpt, "pay");
+    EXPECT_EQ(applications[0].response.charStart, 18);
+    EXPECT_EQ(applications[0].response.charEnd, 21);
 }
 
 } // namespace

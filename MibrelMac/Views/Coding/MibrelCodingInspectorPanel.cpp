@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTextCursor>
 #include <QVBoxLayout>
 
 #include "MibrelMac/State/MibrelWorkspaceState.h"
@@ -44,6 +45,13 @@ MibrelCodingInspectorPanel::MibrelCodingInspectorPanel(MibrelSourcesState& sourc
     auto* content = new QVBoxLayout(m_content);
     content->setContentsMargins(0, 0, 0, 0);
     content->setSpacing(6);
+    content->addWidget(MibrelTypography::sectionHeader(QStringLiteral("Segment"), m_content));
+    m_segmentText = makeDraft(QStringLiteral("Segment text"), QString(), 5, m_content);
+    m_segmentText->setObjectName(QStringLiteral("codingInspectorSegmentText"));
+    m_segmentText->setReadOnly(true);
+    m_segmentText->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_segmentText->setToolTip(QStringLiteral("Select words here to make them the excerpt"));
+    content->addWidget(m_segmentText);
     content->addWidget(MibrelTypography::sectionHeader(QStringLiteral("Code"), m_content));
     m_noCodes = MibrelTypography::makeLabel(QString::fromUtf8(MibrelCodingInspectorPresenter::kNoCodesText), font(),
                                             true, m_content);
@@ -88,8 +96,20 @@ MibrelCodingInspectorPanel::MibrelCodingInspectorPanel(MibrelSourcesState& sourc
         takeDrafts();
         m_presenter->pinQuote();
     });
+    connect(m_segmentText, &QPlainTextEdit::selectionChanged, this, &MibrelCodingInspectorPanel::takeSelection);
     connect(m_presenter, &MibrelCodingInspectorPresenter::changed, this, &MibrelCodingInspectorPanel::refresh);
     refresh();
+}
+
+// Selecting words in the segment makes them the excerpt, at the place they were selected.
+void MibrelCodingInspectorPanel::takeSelection() {
+    const QTextCursor cursor = m_segmentText->textCursor();
+    if (!cursor.hasSelection()) return;
+    const QString text = m_segmentText->toPlainText();
+    QString selected = cursor.selectedText();
+    selected.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    m_presenter->takeSelection(selected.toStdString(), text.left(cursor.selectionStart()).toStdString());
+    m_excerpt->setPlainText(kit::qtText(m_presenter->excerpt));
 }
 
 void MibrelCodingInspectorPanel::takeDrafts() {
@@ -111,6 +131,8 @@ void MibrelCodingInspectorPanel::refresh() {
     m_empty->setVisible(!selected);
     m_content->setVisible(selected);
     if (!selected) return;
+    const QString segmentText = kit::qtText(m_presenter->segment()->text);
+    if (m_segmentText->toPlainText() != segmentText) m_segmentText->setPlainText(segmentText);
     fillCodes();
     fillApplied();
     // Drafts the presenter cleared (another segment, a finished apply) clear here too.

@@ -34,6 +34,7 @@ private:
     void takeDrafts();
     void fillCodes();
     void fillApplied();
+    void takeSelection();
 
     MibrelCodingInspectorPresenter* m_presenter;
     MibrelWorkspaceState& m_workspace;
@@ -42,6 +43,7 @@ private:
     QLabel* m_noCodes = nullptr;
     QComboBox* m_code = nullptr;
     QLineEdit* m_newCode = nullptr;
+    QPlainTextEdit* m_segmentText = nullptr;
     QPlainTextEdit* m_excerpt = nullptr;
     QPlainTextEdit* m_memo = nullptr;
     QPushButton* m_apply = nullptr;

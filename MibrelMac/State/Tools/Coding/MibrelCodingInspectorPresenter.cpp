@@ -49,7 +49,20 @@ std::vector<TeskCodeApplication> MibrelCodingInspectorPresenter::appliedCodes() 
     return m_workspace.applications(*selectedReference());
 }
 
+void MibrelCodingInspectorPresenter::takeSelection(const std::string& selected, const std::string& before) {
+    const std::string trimmed = platform::text::trimmed(selected);
+    if (trimmed.empty()) return;
+    // Blanks trimmed off the front move the start.
+    const std::size_t lead = selected.find(trimmed);
+    const auto start = static_cast<std::int64_t>(platform::text::characterCount(before) +
+                                                 platform::text::characterCount(selected.substr(0, lead)));
+    excerpt = trimmed;
+    m_selectedExcerpt = std::pair{trimmed, start};
+    emit changed();
+}
+
 void MibrelCodingInspectorPresenter::resetFields() {
+    m_selectedExcerpt.reset();
     selectedCodeID.reset();
     excerpt.clear();
     memo.clear();
@@ -81,7 +94,11 @@ void MibrelCodingInspectorPresenter::apply() {
     std::optional<std::string> stored;
     if (!trimmed.empty()) {
         stored = trimmed;
-        if (const auto range = characterRange(current->text, trimmed)) {
+        if (m_selectedExcerpt && m_selectedExcerpt->first == trimmed && trimmed != current->text) {
+            reference.charStart = m_selectedExcerpt->second;
+            reference.charEnd = m_selectedExcerpt->second +
+                                static_cast<std::int64_t>(platform::text::characterCount(trimmed));
+        } else if (const auto range = characterRange(current->text, trimmed)) {
             reference.charStart = range->first;
             reference.charEnd = range->second;
         }

@@ -40,6 +40,10 @@ public:
     std::string memo;
     std::string newCodeName;
     void resetFields();
+    // Words selected in the segment's text become the excerpt, and the place they were
+    // selected at is the one stored, even when the same words occur earlier in the text.
+    // `before` is the segment's text in front of the selection.
+    void takeSelection(const std::string& selected, const std::string& before);
 
     // Codes the segment with the drafts: a new code when one is named, the excerpt's exact
     // place in the text when it is found there. Then the drafts are cleared.
@@ -63,6 +67,8 @@ private:
     MibrelWorkspaceState& m_workspace;
     MibrelShellUIState& m_shellUI;
     std::optional<TeskResponseRef> m_shownSelection;
+    // The excerpt last taken from a selection, and the character where it starts.
+    std::optional<std::pair<std::string, std::int64_t>> m_selectedExcerpt;
 };
 
 } // namespace mibrel
