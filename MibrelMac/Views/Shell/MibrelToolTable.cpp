@@ -23,21 +23,31 @@ struct ToolEntry {
     MibrelToolParts (*make)(const MibrelToolContext&);
 };
 
+// A page's own player, made before the page that plays it and then handed to it.
+template <class MakePage>
+QWidget* pageWithPlayer(const MibrelToolContext& context, MibrelAudioPlayer*& player, MakePage makePage) {
+    player = new MibrelAudioPlayer;
+    player->setAudioOutputEnabled(context.playsAudio);
+    QWidget* page = makePage(*player);
+    player->setParent(page);
+    return page;
+}
+
 // The recording's player is shared: the page plays it, the inspector reports why it cannot.
 MibrelToolParts makeSources(const MibrelToolContext& context) {
-    auto* player = new MibrelAudioPlayer;
-    player->setAudioOutputEnabled(context.playsAudio);
-    auto* page = new MibrelTranscriptView(context.sources, context.workspace, *player);
-    player->setParent(page);
+    MibrelAudioPlayer* player = nullptr;
+    QWidget* page = pageWithPlayer(context, player, [&](MibrelAudioPlayer& made) {
+        return new MibrelTranscriptView(context.sources, context.workspace, made);
+    });
     return {page, new MibrelSourceInspectorPanel(context.sources, context.workspace, *player)};
 }
 
 // Read & Code has its own player, so a segment can be heard where it stands.
 MibrelToolParts makeCoding(const MibrelToolContext& context) {
-    auto* player = new MibrelAudioPlayer;
-    player->setAudioOutputEnabled(context.playsAudio);
-    auto* page = new MibrelCodingView(context.sources, context.workspace, context.shellUI, *player);
-    player->setParent(page);
+    MibrelAudioPlayer* player = nullptr;
+    QWidget* page = pageWithPlayer(context, player, [&](MibrelAudioPlayer& made) {
+        return new MibrelCodingView(context.sources, context.workspace, context.shellUI, made);
+    });
     return {page, new MibrelCodingInspectorPanel(context.sources, context.workspace, context.shellUI)};
 }
 
